@@ -17,8 +17,14 @@ bool LoadConfiguration(const QString& fileName, QString* error);
 bool LoadConfigurationText(const QString& toml, const QString& origin, QString* error);
 void ClearConfiguration();
 
-// Warnings found so far: unknown keys, wrong types, each "FILE:LINE:COLUMN: ...". Also logged.
+// Warnings found so far: unknown keys, wrong types, each "FILE:LINE:COLUMN: ...". Also logged. Keys
+// that nobody knows and that nobody has read until now count as unknown: ask after the plug-ins are loaded.
 QStringList ConfigurationWarnings();
+
+// Numbers of the root node. A key that is missing, of another type or beyond its limits (reported)
+// gives the default. Texts and booleans are read through CfgCenter::GetAppCfg.
+qint64 ConfigurationInteger(const QString& key, qint64 defaultValue);
+double ConfigurationNumber(const QString& key, double defaultValue);
 
 // Folders in which plug-in libraries are searched, first hit wins.
 void SetPluginFolders(const QStringList& folders);
@@ -38,6 +44,9 @@ void ClearFactories();
 
 // InstanceNotifyB, then ARDestroy for every instance, the last loaded first.
 void DestroyPlugins();
+
+// The line of text on the splash screen that says what the application is about to do.
+void SetSplashText(const QString& text);
 
 // Where catalogues NAME_LANGUAGE.qm lie, and the language ("de"; empty: the system's).
 void SetTranslations(const QString& folder, const QString& language);
