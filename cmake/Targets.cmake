@@ -29,6 +29,10 @@ if(RX_SANITIZER)
   endif()
 endif()
 
+# What `./run` needs, and what `./bench` needs besides, without the tests.
+add_custom_target(programs)
+add_custom_target(benchmarks)
+
 function(_rx_common target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/host)
@@ -63,6 +67,7 @@ function(rx_plugin name)
   target_link_libraries(${name} PUBLIC Qt6::Core ${A_LINK})
   set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${RX_PLUGIN_DIR})
   _rx_common(${name})
+  add_dependencies(programs ${name})
 endfunction()
 
 # A program: bin/NAME
@@ -71,6 +76,7 @@ function(rx_program name)
   add_executable(${name} ${A_SOURCES})
   target_link_libraries(${name} PRIVATE Qt6::Core ${A_LINK})
   _rx_common(${name})
+  add_dependencies(programs ${name})
 endfunction()
 
 # A test program, one per subject, run by CTest on the offscreen platform:
@@ -104,4 +110,5 @@ function(rx_benchmark name)
   target_compile_definitions(bench_${name} PRIVATE
     RX_BIN_DIR="${CMAKE_BINARY_DIR}/bin" RX_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   _rx_common(bench_${name})
+  add_dependencies(benchmarks bench_${name})
 endfunction()
