@@ -12,7 +12,7 @@ struct VALUEFRAMEWORK_EXPORT FormatBoolText
     static bool FromText(const QString& text, bool* value);  // On/Off, true/false, 1/0, yes/no
 };
 template <>
-struct FormatBool<bool> : FormatBoolText
+struct VALUEFRAMEWORK_EXPORT FormatBool<bool> : FormatBoolText
 {
 };
 
@@ -45,7 +45,7 @@ struct VALUEFRAMEWORK_EXPORT FormatInt<int>
 
 // Tag of the stored form of a value; the framework stores values with it, the module never does.
 template <class T, class Format>
-struct StreamFormat
+struct VALUEFRAMEWORK_EXPORT StreamFormat
 {
     typedef T Type;
     typedef Format TextFormat;
