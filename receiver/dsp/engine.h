@@ -27,9 +27,13 @@ public:
     // One report: the level of every channel over the report's time.
     struct Levels
     {
-        qint64 time = 0;        // microseconds since 1970 of the end of the measured interval
-        double position = 0;    // seconds of signal since the source's first sample, same instant
-        QVector<float> levels;  // dBµV, by channel; a channel outside the band: its floor, -200
+        qint64 time = 0;  // microseconds since 1970 of the end of the measured interval
+        // Seconds of signal since the source's first sample, same instant. Begins again at 0 with
+        // each round of a loop.
+        double position = 0;
+        QVector<float> levels;      // dBµV, by channel; a channel outside the band: its floor, -200
+        qint64 invalidSamples = 0;  // not a number, infinite or absurd; taken as 0; since start()
+        qint64 skipped = 0;         // reports that the receiving thread had no time for; since start()
     };
 
     Engine(std::unique_ptr<IqSource> source, const Options& options, QObject* parent = nullptr);
@@ -41,12 +45,15 @@ public:
     double centerMinimum() const;
     double centerMaximum() const;
 
-    void start();
-    void stop();  // returns when the thread has ended
+    void start();  // from the source's first sample
+    void stop();   // returns when the thread has ended; nothing is emitted after it
 
+    // Clamped to the source's limits. Taken over at the next report's beginning, so that a report
+    // never mixes two centres.
     void setCenter(double hertz);
     void setChannelCount(int count);
-    void setChannel(int channel, double frequencyHz, double bandwidthHz);  // from the next block on
+    // Counts for the whole of the report that is being measured.
+    void setChannel(int channel, double frequencyHz, double bandwidthHz);
 
 signals:
     void levelsReady(const Receiver::Engine::Levels& levels);
