@@ -1,0 +1,139 @@
+#include <QPaintDevice>
+#include <QPainter>
+#include <cmath>
+
+#include "valuecontrols/barpicture.h"
+#include "valuecontrols/controllook.h"
+
+bool BarPicture::operator==(const BarPicture& other) const
+{
+    return usable == other.usable && missing == other.missing && level == other.level &&
+           lowest == other.lowest && highest == other.highest && beyond == other.beyond && text == other.text;
+}
+
+namespace BarPainting {
+
+namespace {
+
+const int frameWidth = 1;
+const int longTick = 5;
+const int shortTick = 3;
+const int markWidth = 2;
+const int arrowWidth = 6;
+
+// A fill that stands out from the ground by lightness alone, whatever the palette's accent is.
+QColor FillColor(const QPalette& palette)
+{
+    QColor fill = palette.color(QPalette::Highlight);
+    const QColor ground = palette.color(QPalette::Base);
+    const bool dark = ground.lightness() < 128;
+    for (int round = 0; round < 6 && ControlLook::Contrast(fill, ground) < 3; ++round)
+        fill = dark ? fill.lighter(120) : fill.darker(120);
+    return fill;
+}
+
+void PaintTicks(QPainter& painter, const QRect& area, const BarScale& scale, const QColor& color)
+{
+    if (scale.parts < 2)
+        return;
+    const int spaces = int(scale.parts) - 1;
+    const int longEvery = scale.marks > 1 ? qMax(1, int(std::lround(double(spaces) / (scale.marks - 1)))) : 0;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    for (int tick = 1; tick < spaces; ++tick) {
+        const int length = longEvery && tick % longEvery == 0 ? longTick : shortTick;
+        const qreal x = area.left() + qreal(area.width()) * tick / spaces;
+        painter.drawRect(QRectF(std::floor(x), area.bottom() + 1 - length, 1, length));
+    }
+}
+
+// The highest points down from the top, the lowest up from the bottom: told apart without colour.
+void PaintMark(QPainter& painter, const QRect& area, qreal x, bool highest, const QPalette& palette)
+{
+    const qreal left = qBound(qreal(area.left()), x - markWidth / 2.0, qreal(area.right() + 1 - markWidth));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette.color(QPalette::Base));
+    painter.drawRect(QRectF(left - 1, area.top(), markWidth + 2, area.height()));
+    painter.setBrush(palette.color(QPalette::Text));
+    painter.drawRect(QRectF(left, area.top(), markWidth, area.height()));
+    const qreal edge = highest ? area.top() : area.bottom() + 1;
+    const qreal tip = highest ? area.top() + 4 : area.bottom() - 3;
+    const QPointF points[3] = {{left - 2, edge}, {left + markWidth + 2, edge}, {left + markWidth / 2.0, tip}};
+    painter.drawPolygon(points, 3);
+}
+
+void PaintArrow(QPainter& painter, const QRect& area, bool right, const QColor& color)
+{
+    const qreal middle = area.center().y() + 0.5;
+    const qreal tip = right ? area.right() : area.left() + 1;
+    const qreal back = right ? tip - arrowWidth : tip + arrowWidth;
+    const QPointF points[3] = {{tip, middle}, {back, middle - 5}, {back, middle + 5}};
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawPolygon(points, 3);
+}
+
+void PaintText(QPainter& painter, const QRect& area, const QRectF& part, const QString& text,
+               const QColor& color)
+{
+    painter.save();
+    painter.setClipRect(part);
+    painter.setPen(color);
+    painter.drawText(area, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+}  // namespace
+
+QRect ScaleRect(const QRect& widget)
+{
+    return widget.adjusted(frameWidth, frameWidth, -frameWidth, -frameWidth);
+}
+
+void Paint(QPainter& painter, const QRect& widget, const BarPicture& picture, const BarScale& scale,
+           const QPalette& palette)
+{
+    const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1;
+    const QRect area = ScaleRect(widget);
+    const QColor ground = palette.color(QPalette::Base);
+    const QColor fill = picture.usable ? FillColor(palette) : palette.color(QPalette::Mid);
+    const QColor onGround = palette.color(QPalette::Text);
+    const QColor onFill = ControlLook::ReadableOn(fill);
+
+    painter.fillRect(widget, palette.color(QPalette::Mid));
+    painter.fillRect(area, ground);
+    const QRectF filled(area.left(), area.top(), picture.missing ? 0 : picture.level / ratio, area.height());
+    const QRectF empty(filled.right(), area.top(), area.right() + 1 - filled.right(), area.height());
+    painter.fillRect(filled, fill);
+
+    QColor tick = onGround;
+    tick.setAlpha(110);
+    PaintTicks(painter, area, scale, tick);
+
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (picture.lowest >= 0)
+        PaintMark(painter, area, area.left() + picture.lowest / ratio, false, palette);
+    if (picture.highest >= 0)
+        PaintMark(painter, area, area.left() + picture.highest / ratio, true, palette);
+    if (picture.beyond == BarPicture::Above)
+        PaintArrow(painter, area, true, onFill);
+    else if (picture.beyond == BarPicture::Below)
+        PaintArrow(painter, area, false, onGround);
+    if (!picture.text.isEmpty()) {
+        PaintText(painter, area, filled, picture.text, onFill);
+        PaintText(painter, area, empty, picture.text, onGround);
+    }
+}
+
+QRect Difference(const QRect& widget, const BarPicture& before, const BarPicture& after, double pixelRatio)
+{
+    if (before.usable != after.usable || before.missing != after.missing || before.beyond != after.beyond ||
+        before.text != after.text || before.lowest != after.lowest || before.highest != after.highest)
+        return widget;
+    const QRect area = ScaleRect(widget);
+    const int left = int(std::floor(qMin(before.level, after.level) / pixelRatio)) - 1;
+    const int right = int(std::ceil(qMax(before.level, after.level) / pixelRatio)) + 1;
+    return QRect(area.left() + left, area.top(), right - left + 1, area.height()) & area;
+}
+
+}  // namespace BarPainting
