@@ -187,12 +187,15 @@ void Connection::schedule()
 void Connection::send()
 {
     m_sinceSent.restart();
+    const bool serving = m_outbox.hasSnapshots();
     while (!m_ended && m_channel.bytesToWrite() <= Link::Limits::unsentBytes) {
         const QByteArray payload = m_outbox.takePayload();
         if (payload.isEmpty())
-            return;
+            break;
         m_channel.sendPayload(payload);
     }
+    if (serving && !m_ended && !m_outbox.hasSnapshots())
+        emit m_server->served();
 }
 
 void Connection::drained()

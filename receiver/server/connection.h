@@ -26,6 +26,7 @@ public:
     bool isGreeted() const { return m_greeted; }
     const QByteArray& session() const { return m_session; }
     QString peer() const { return m_peer; }
+    bool hasTold(ValueId id) const { return m_outbox.isTold(id); }
 
     // From the store.
     void changed(ValueId id);

@@ -77,6 +77,12 @@ int Server::connectionCount() const
                              [](const Connection* connection) { return connection->isGreeted(); }));
 }
 
+bool Server::hasTold(ValueId id) const
+{
+    return std::any_of(m_connections.begin(), m_connections.end(),
+                       [id](const Connection* connection) { return connection->hasTold(id); });
+}
+
 void Server::acceptAll()
 {
     while (QTcpSocket* socket = m_listener.nextPendingConnection()) {

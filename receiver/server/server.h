@@ -43,11 +43,15 @@ public:
     const ServerOptions& options() const { return m_options; }
     quint64 epoch() const { return m_epoch; }  // another one at every start
     int connectionCount() const;               // greeted ones
+    bool hasTold(ValueId id) const;            // some client has the value in its snapshot
 
     // --- for Connection
     // Ends an older connection of the same session. Gives the reason when there is no room; else empty.
     QString admit(Connection* connection);
     void forget(Connection* connection);
+
+signals:
+    void served();  // the snapshots of all hooks of one client were sent
 
 private:
     void acceptAll();
