@@ -161,7 +161,7 @@ const toml::node* ConfigNode::Expect(const toml::node* value, const QString& nam
             m_Document.ReportOnce(value,
                                   QStringLiteral("%1 in %2 is %3, expected %4 to %5; the default is used")
                                       .arg(name, m_Path)
-                                      .arg(number)
+                                      .arg(number, 0, 'g', 12)
                                       .arg(key->minimum, 0, 'g', 12)
                                       .arg(key->maximum, 0, 'g', 12));
             return nullptr;

@@ -1,0 +1,6 @@
+#include "startup/idllinstance.h"
+
+extern "C" Q_DECL_EXPORT void ARDestroy(IDllInstance* instance)
+{
+    delete instance;
+}
