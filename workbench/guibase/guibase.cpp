@@ -20,7 +20,10 @@ public:
         QObject::disconnect(m_Destroyed);
         m_MainWidget = widget;
         if (widget)
-            m_Destroyed = QObject::connect(widget, &QObject::destroyed, [this] { Tell(); });
+            m_Destroyed = QObject::connect(widget, &QObject::destroyed, [this] {
+                m_MainWidget.clear();  // a widget tells of its end before guarded pointers to it are cleared
+                Tell();
+            });
         Tell();
     }
 

@@ -9,7 +9,8 @@ namespace {
 
 const char formatVersion[] = "1";
 
-// XML 1.0 cannot carry control characters, lone surrogates and two non-characters, not even escaped.
+// XML 1.0 cannot carry control characters, lone surrogates and two non-characters, not even escaped;
+// readers turn a carriage return into a line feed.
 bool IsXmlCharacter(char32_t c)
 {
     return c == 0x9 || c == 0xA || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) || c >= 0x10000;
