@@ -59,7 +59,7 @@ public:
     Value();
     ~Value();
 
-    virtual T GetValue() const;
+    virtual T GetValue() const { return m_Value; }
 
     // Writes; all but `originator` (may be null) hear of it. True when the value was taken.
     virtual bool SetValue(const T& value, IObserver* originator);
@@ -79,6 +79,9 @@ class VALUEFRAMEWORK_EXPORT ValueNumeric : public Value<T, Format, Stream>
 public:
     ValueNumeric();
     ~ValueNumeric();
+
+    // Final, so that an observer's reading of the new number costs no second virtual call.
+    T GetValue() const final { return Value<T, Format, Stream>::GetValue(); }
 
     bool SetValue(const T& value, IObserver* originator);
 };

@@ -22,38 +22,33 @@ ObservablePrivate::Block* ObservablePrivate::Block::Make(quint32 capacity)
     if (!block) {
         throw std::bad_alloc();
     }
-    block->pins = 1;
     block->used = 0;
     block->capacity = capacity;
     return block;
 }
 
-void ObservablePrivate::Block::Unpin(Block* block)
+void ObservablePrivate::Block::Free(Block* block)
 {
-    if (--block->pins == 0) {
-        std::free(block);
-    }
+    std::free(block);
 }
 
 // --- frame --------------------------------------------------------------------------------------
 
-inline ObservablePrivate::Frame::Frame(ObservablePrivate* owner)
-    : list(owner), block(owner->m_block), outer(owner->m_frames)
+bool ObservablePrivate::Frame::Walks(const Frame* frame, const Block* block)
 {
-    ++block->pins;
-    owner->m_frames = this;
+    for (; frame; frame = frame->outer) {
+        if (frame->block == block) {
+            return true;
+        }
+    }
+    return false;
 }
 
-inline ObservablePrivate::Frame::~Frame()
+// The subject is gone and left its blocks to those who walk them.
+void ObservablePrivate::Frame::LeaveDead()
 {
-    if (!list) {
-        Block::Unpin(block);
-        return;
-    }
-    list->m_frames = outer;
-    Block::Unpin(block);
-    if (!outer && list->m_block->used != list->m_count && !list->m_index) {
-        list->Compact();
+    if (!Walks(outer, block)) {
+        Block::Free(block);
     }
 }
 
@@ -79,8 +74,28 @@ ObservablePrivate::~ObservablePrivate()
     for (Frame* frame = m_frames; frame; frame = frame->outer) {
         frame->list = nullptr;
     }
-    if (m_block) {
-        Block::Unpin(m_block);
+    if (m_block && !IsPinned()) {
+        Block::Free(m_block);
+    }
+}
+
+bool ObservablePrivate::IsPinned() const
+{
+    return Frame::Walks(m_frames, m_block);
+}
+
+// After a notification that left something behind: frees the block that it walked when the list has
+// a newer one, and closes the gaps of those who left.
+void ObservablePrivate::Tidy(Block* walked)
+{
+    if (walked != m_block && !Frame::Walks(m_frames, walked)) {
+        Block::Free(walked);
+    }
+    if (!m_frames) {
+        m_untidy = false;
+        if (m_block->used != m_count && !m_index) {
+            Compact();
+        }
     }
 }
 
@@ -134,7 +149,7 @@ void ObservablePrivate::MakeFirst(IObserver* observer)
     if (Find(observer) < 0) {
         Append(observer);
     }
-    if (m_block->pins > 1) {
+    if (IsPinned()) {
         Reseat(m_block->capacity);
     }
     const quint32 position = quint32(Find(observer));
@@ -162,9 +177,11 @@ void ObservablePrivate::EraseAt(quint32 position)
     if (m_index) {
         m_index->remove(entry.observer);
     }
-    if (m_block->pins > 1 || m_index) {
+    const bool pinned = IsPinned();
+    if (pinned || m_index) {
         entry.observer = nullptr;
-        if (m_block->pins == 1 && m_count < m_block->used / 2) {
+        m_untidy = m_untidy || pinned;
+        if (!pinned && m_count < m_block->used / 2) {
             Compact();
         }
         return;
@@ -216,7 +233,9 @@ void ObservablePrivate::RemoveAll()
     }
     m_count = 0;
     m_index.reset();
-    if (m_block->pins == 1) {
+    if (IsPinned()) {
+        m_untidy = true;
+    } else {
         m_block->used = 0;
     }
 }
@@ -230,7 +249,11 @@ void ObservablePrivate::Reseat(quint32 capacity)
             fresh->entries[fresh->used++] = m_block->entries[i];
         }
     }
-    Block::Unpin(m_block);
+    if (IsPinned()) {
+        m_untidy = true;
+    } else {
+        Block::Free(m_block);
+    }
     m_block = fresh;
     if (m_index) {
         RebuildIndex();
@@ -253,7 +276,7 @@ void ObservablePrivate::RebuildIndex()
 {
     m_index.reset();
     if (m_block->used <= longestScan) {
-        if (m_block->pins == 1 && m_block->used != m_count) {
+        if (!IsPinned() && m_block->used != m_count) {
             Compact();
         }
         return;
@@ -265,26 +288,6 @@ void ObservablePrivate::RebuildIndex()
             m_index->insert(m_block->entries[i].observer, i);
         }
     }
-}
-
-bool ObservablePrivate::Notify(Observable* subject, TChangeCode code, IObserver* except)
-{
-    if (m_count == 0) {
-        return true;
-    }
-    const Frame frame(this);
-    Entry* const entries = frame.block->entries;
-    const quint32 end = frame.block->used;
-    for (quint32 i = 0; i < end; ++i) {
-        IObserver* observer = entries[i].observer;
-        if (observer && observer != except) {
-            observer->Update(subject, code);
-            if (Q_UNLIKELY(!frame.list)) {
-                return false;
-            }
-        }
-    }
-    return true;
 }
 
 bool ObservablePrivate::NotifySince(quint32 serial, Observable* subject, TChangeCode code, IObserver* except)

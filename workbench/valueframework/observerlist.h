@@ -51,13 +51,12 @@ private:
 
     struct Block
     {
-        quint32 pins;  // the list's own, and one for each notification that walks the block
         quint32 used;
         quint32 capacity;
         Entry entries[1];
 
         static Block* Make(quint32 capacity);
-        static void Unpin(Block* block);
+        static void Free(Block* block);
     };
 
     // A notification in progress, on the stack of the one who notifies.
@@ -66,6 +65,9 @@ private:
         explicit Frame(ObservablePrivate* list);
         ~Frame();
         Q_DISABLE_COPY(Frame)
+
+        void LeaveDead();
+        static bool Walks(const Frame* frame, const Block* block);  // it or one further out
 
         ObservablePrivate* list;  // null: the subject was destroyed
         Block* block;
@@ -83,14 +85,57 @@ private:
     void BlankInOlderBlocks(const IObserver* observer, quint32 likelyPosition);
     void Reseat(quint32 capacity);
     void Compact();
+    void Tidy(Block* walked);
+    bool IsPinned() const;
     void RebuildIndex();
 
     Block* m_block = nullptr;
     Frame* m_frames = nullptr;  // innermost first
     quint32 m_count = 0;        // registered observers: used entries that are not blank
     quint32 m_serial = 0;
+    bool m_untidy = false;  // gaps or older blocks are left for the end of a notification
     std::unique_ptr<QHash<const IObserver*, quint32>> m_index;  // position by observer, of long lists only
 };
+
+inline ObservablePrivate::Frame::Frame(ObservablePrivate* owner)
+    : list(owner), block(owner->m_block), outer(owner->m_frames)
+{
+    owner->m_frames = this;
+}
+
+inline ObservablePrivate::Frame::~Frame()
+{
+    if (Q_UNLIKELY(!list)) {
+        LeaveDead();
+        return;
+    }
+    list->m_frames = outer;
+    if (Q_UNLIKELY(list->m_untidy)) {
+        list->Tidy(block);
+    }
+}
+
+// In the header so that it becomes part of each write: this is the busiest path of the workbench.
+inline bool ObservablePrivate::Notify(Observable* subject, TChangeCode code, IObserver* except)
+{
+    if (m_count == 0) {
+        return true;
+    }
+    const Frame frame(this);
+    const Entry* entry = frame.block->entries;
+    const Entry* const end = entry + frame.block->used;
+#pragma GCC unroll 4
+    for (; entry != end; ++entry) {
+        IObserver* observer = entry->observer;
+        if (observer && observer != except) {
+            observer->Update(subject, code);
+            if (Q_UNLIKELY(!frame.list)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
 
 // The subjects of one observer, in no particular order.
 class ObserverPrivate

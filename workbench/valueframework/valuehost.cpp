@@ -7,8 +7,7 @@
 #include <limits>
 
 #include "valueframework/tree_p.h"
-#include "valueframework/value.h"
-#include "valueframework/valuebase_p.h"
+#include "valueframework/valueimpl.h"
 #include "valueframework/valueselection_p.h"
 
 Q_LOGGING_CATEGORY(lcValues, "rx.values")
@@ -113,13 +112,19 @@ void KeepWithinLimits(ValueBase& value)
     if (!d.KeepsLimits()) {
         return;
     }
-    bool outside = false;
-    if (d.type == ValueType::Float || d.type == ValueType::Integer) {
-        const double number = Content(value).toDouble();
-        outside = number < d.description.minimum || number > d.description.maximum;
-    }
-    if (outside) {
-        SetContent(value, Content(value), nullptr);
+    QString reason;
+    if (d.type == ValueType::Float) {
+        const double number = static_cast<FloatValueBase&>(value).GetValue();
+        const double within = ValueImpl::Clamp(d.description, number, &reason);
+        if (within != number) {
+            SetContent(value, within, nullptr);
+        }
+    } else if (d.type == ValueType::Integer) {
+        const int number = static_cast<IntValueBase&>(value).GetValue();
+        const int within = ValueImpl::Clamp(d.description, number, &reason);
+        if (within != number) {
+            SetContent(value, within, nullptr);
+        }
     }
 }
 
@@ -199,11 +204,11 @@ ValueBase* Create(const QString& path, const ValueDescription& description, cons
     }
     bool contentChanged = false;
     Describe(*value, description, &contentChanged);
-    if (content.isValid()) {
-        SetContent(*value, content, nullptr);
-    } else {
-        KeepWithinLimits(*value);
+    if (content.isValid() && !SetContent(*value, content, nullptr)) {
+        qCWarning(lcValues, "The content given for \"%ls\" does not fit its type and is left out",
+                  qUtf16Printable(path));
     }
+    KeepWithinLimits(*value);
     ValueBasePrivate::Of(*value).rare.reset();  // nobody wrote yet
     own.Insert(*parent, *value, path.mid(separator + 1));
     return value;

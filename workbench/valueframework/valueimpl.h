@@ -60,12 +60,6 @@ Value<T, Format, Stream>::~Value()
 }
 
 template <class T, class Format, class Stream>
-T Value<T, Format, Stream>::GetValue() const
-{
-    return m_Value;
-}
-
-template <class T, class Format, class Stream>
 bool Value<T, Format, Stream>::SetValue(const T& value, IObserver* originator)
 {
     if (!ValueImpl::IsStorable(value)) {
