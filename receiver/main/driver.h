@@ -27,7 +27,8 @@ public:
     bool listen(QString* error);
     QString address() const;  // "127.0.0.1:4600"; an IPv6 host stands in [ ]
 
-    // Begins to receive: at once, or when the first client has hooked a channel's level.
+    // Begins to receive: at once, or when the first client has hooked the level of DDC1. What that
+    // client set before counts from the first sample on.
     void start();
 
 signals:

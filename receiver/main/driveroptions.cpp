@@ -31,7 +31,7 @@ const OptionRow optionRows[] = {
     {"format", "FORMAT", "Sample format of a raw recording: u8, s8, s16 or f32."},
     {"once", nullptr, "Play the recording once; without, it begins again at its end."},
     {"wait-client", nullptr,
-     "Begin to receive when the first client has hooked values, so that it misses nothing."},
+     "Begin to receive when the first client has hooked the level of DDC1, so that it misses nothing."},
     {"device", "PATH", "Path of the receiver's values, default /RX1."},
     {"caption", "TEXT", "What window titles call the receiver, default the last name of its path."},
     {"channels", "N", "Number of channels DDC1 to DDCn, default 4; DDC4 does pulse analysis."},

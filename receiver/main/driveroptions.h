@@ -19,7 +19,7 @@ struct DriverOptions
     QString recordingFile;
     RecordingOptions recording;
     bool once = false;           // stop at the recording's end instead of beginning again
-    bool waitForClient = false;  // the source begins when the first client has hooked
+    bool waitForClient = false;  // the source begins when a client has hooked DDC1's level
 
     QString devicePath = QStringLiteral("/RX1");
     QString caption;  // shown in window titles; empty: the device path's last name
