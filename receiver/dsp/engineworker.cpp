@@ -26,19 +26,14 @@ void Mailbox::post(Letter letter)
     }
     letter.levels.skipped = m_skipped;
     m_letters.push_back(std::move(letter));
-    if (!m_calling) {
-        m_calling = true;
-        QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
-    }
+    call();
 }
 
 bool Mailbox::take(Letter* letter)
 {
     const std::lock_guard<std::mutex> lock(m_orders->mutex);
-    if (m_letters.empty()) {
-        m_calling = false;
+    if (m_letters.empty())
         return false;
-    }
     *letter = std::move(m_letters.front());
     m_letters.pop_front();
     m_orders->changed.notify_all();
@@ -47,10 +42,29 @@ bool Mailbox::take(Letter* letter)
 
 void Mailbox::deliver()
 {
+    {
+        const std::lock_guard<std::mutex> lock(m_orders->mutex);
+        m_calling = false;  // a slot may run an event loop of its own, which goes on delivering
+    }
     const QPointer<Mailbox> guard(this);
     Letter letter;
-    while (guard && take(&letter))
+    for (int i = 0; i < lettersAtOnce; ++i) {
+        if (!take(&letter))
+            return;
         emit arrived(letter);
+        if (!guard)
+            return;
+    }
+    const std::lock_guard<std::mutex> lock(m_orders->mutex);
+    call();
+}
+
+void Mailbox::call()
+{
+    if (m_calling || m_letters.empty())
+        return;
+    m_calling = true;
+    QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
 }
 
 void Mailbox::clear()

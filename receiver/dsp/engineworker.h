@@ -55,7 +55,6 @@ public:
 
     void post(Letter letter);  // by the worker
     void clear();
-    qint64 skipped() const;
 
 signals:
     void arrived(const Receiver::Mailbox::Letter& letter);
@@ -65,12 +64,14 @@ private slots:
 
 private:
     bool take(Letter* letter);
+    void call();  // asks for deliver(); with the mutex held
 
+    static constexpr int lettersAtOnce = 16;      // then other events of the thread get their turn
     static constexpr std::size_t capacity = 200;  // letters: ten seconds of reports
 
     EngineOrders* m_orders;
     bool m_wait;
-    bool m_calling = false;  // deliver() is under way
+    bool m_calling = false;  // deliver() is asked for
     qint64 m_skipped = 0;
     std::deque<Letter> m_letters;
 };

@@ -37,7 +37,7 @@ const EmitterRow emitterRows[] = {
     {EmitterKind::FmBroadcast, 98.5e6, 0, -24, 180e3, true},
     {EmitterKind::DriftingCarrier, 98.76e6, 10e3, -47, 6e3, false},
     {EmitterKind::Ofdm, 99.2e6, 20e3, -33, 420e3, false},
-    {EmitterKind::Pulsed, 99.7e6, 20e3, -32, 400e3, false},
+    {EmitterKind::Pulsed, 99.75e6, 20e3, -32, 300e3, false},
     {EmitterKind::FmBroadcast, 102.7e6, 0, -28, 180e3, false},
     {EmitterKind::FmBroadcast, 105.9e6, 0, -36, 180e3, false},
 };
