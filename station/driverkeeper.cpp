@@ -12,7 +12,7 @@ constexpr int restartDelaysMs[] = {200, 500, 1000, 2000, 5000};
 }  // namespace
 
 DriverKeeper::DriverKeeper(const QString& program, const QStringList& arguments, QObject* parent)
-    : QObject(parent), m_program(program), m_arguments(arguments), m_child("rxdriver", this)
+    : QObject(parent), m_program(program), m_arguments(arguments), m_child(QString(), this)
 {
     m_restart.setSingleShot(true);
     connect(&m_restart, &QTimer::timeout, this, &DriverKeeper::launch);

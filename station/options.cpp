@@ -35,10 +35,10 @@ const Option options[] = {
     {"--config", Kind::Text, Goal::Own, "NAME|FILE",
      "the application to show (default RxDDC1); once for each window"},
     {"--driver", Kind::Address, Goal::Own, "HOST:PORT", "use a running driver instead of starting one"},
-    {"--scene", Kind::Number, Goal::Driver, "SEED", "the built-in scene of that seed (default)"},
+    {"--scene", Kind::Text, Goal::Driver, "SEED", "the built-in scene of that seed (default)"},
     {"--iq", Kind::Text, Goal::Driver, "FILE", "replay a recording: raw u8, s8, s16, f32, WAV, SigMF"},
-    {"--rate", Kind::Number, Goal::Driver, "HZ", "sample rate of a raw recording"},
-    {"--center", Kind::Number, Goal::Driver, "HZ", "centre frequency of the recording"},
+    {"--rate", Kind::Text, Goal::Driver, "HZ", "sample rate of a raw recording"},
+    {"--center", Kind::Text, Goal::Driver, "HZ", "centre frequency of the recording"},
     {"--format", Kind::Text, Goal::Driver, "FORMAT", "u8, s8, s16 or f32 of a raw recording"},
     {"--once", Kind::Flag, Goal::Driver, "", "stop at the end of the recording instead of looping"},
     {"--headless", Kind::Flag, Goal::Window, "", "no display: draw off screen"},
@@ -176,6 +176,10 @@ bool parseStationOptions(const QStringList& arguments, StationOptions* result, Q
     }
     if (result->configurations.isEmpty()) {
         result->configurations << QString("RxDDC1");
+    }
+    if (result->driverArguments.contains("--once")) {
+        // The windows take a moment to come up; nothing of the recording is to be missed meanwhile.
+        result->driverArguments << "--wait-client";
     }
     *error = contradictionIn(*result);
     return error->isEmpty();

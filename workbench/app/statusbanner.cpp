@@ -90,7 +90,7 @@ void StatusBanner::driverLost(const QString& address)
 {
     m_lostAt = QDateTime::currentDateTime();
     m_address = address;
-    m_attempt = 0;
+    m_attempt = 1;
     m_tick.start();
     refresh();
 }

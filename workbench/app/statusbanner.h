@@ -24,7 +24,7 @@ public:
 
     // The driver went away now. `address` is where it is looked for.
     void driverLost(const QString& address);
-    void setAttempt(int attempt);  // how often it was tried since
+    void setAttempt(int attempt);  // the one that is under way, from 1
     void driverBack();
 
     // An error for the operator; stays until it is dismissed or has stood for some time.

@@ -29,12 +29,10 @@ Q_LOGGING_CATEGORY(lcApp, "rx.app")
 
 constexpr int badInputCode = 2;
 constexpr int shownCheckMs = 1500;
-constexpr int attemptsEveryMs = 500;
 constexpr qint64 defaultLogBytes = 4 * 1024 * 1024;
 constexpr qint64 defaultLogFiles = 4;
 constexpr int configurationView = 2;
 const char defaultDriver[] = "127.0.0.1:4600";
-const char clientName[] = "VTConnectToDRV";
 const char hookedPath[] = "/ADMINISTRATION/SERVERVALUESHOOKED";
 
 // Values that belong to the windows, not to any driver.
@@ -70,12 +68,6 @@ Workbench::Workbench(KestApplication* application, const AppOptions& options)
     m_shownCheck.setSingleShot(true);
     m_shownCheck.setInterval(shownCheckMs);
     connect(&m_shownCheck, &QTimer::timeout, this, &Workbench::checkShown);
-    m_attempts.setInterval(attemptsEveryMs);
-    connect(&m_attempts, &QTimer::timeout, this, [this] {
-        if (m_client && m_banner) {
-            m_banner->setAttempt(m_client->Attempts());
-        }
-    });
 }
 
 Workbench::~Workbench() = default;
@@ -106,7 +98,13 @@ void Workbench::begin()
     createTree();
     m_client = std::make_unique<VtClient>();
     m_client->AddObserver(this);
-    ValueHost::SetClient(clientName, m_client.get());
+    connect(m_client.get(), &VtClient::AttemptFailed, this, [this](const QString& reason) {
+        ++m_attempts;
+        qCDebug(lcApp).noquote() << QString("attempt %1: %2").arg(m_attempts).arg(reason);
+        if (m_banner) {
+            m_banner->setAttempt(m_attempts + 1);
+        }
+    });
 
     StartupHost::SetSplashText(tr("Waiting for the driver at %1:%2").arg(m_host).arg(m_port));
     if (!loadPlugins()) {
@@ -274,13 +272,12 @@ void Workbench::Update(Observable*, TChangeCode code)
     if (code == CC_CONNECTED) {
         qCInfo(lcApp).noquote() << QString("connected to the driver at %1:%2").arg(m_host).arg(m_port);
         m_everConnected = true;
-        m_attempts.stop();
         banner()->driverBack();
     } else if (code == CC_DISCONNECTED && m_everConnected) {
         qCWarning(lcApp).noquote()
             << QString("lost the driver at %1:%2, reconnecting").arg(m_host).arg(m_port);
+        m_attempts = 0;
         banner()->driverLost(QString("%1:%2").arg(m_host).arg(m_port));
-        m_attempts.start();
     }
 }
 
@@ -339,7 +336,6 @@ void Workbench::end()
 void Workbench::tearDown()
 {
     m_ending = true;
-    m_attempts.stop();
     m_shownCheck.stop();
     if (m_writes) {
         m_writes->finish();
@@ -352,7 +348,6 @@ void Workbench::tearDown()
     if (m_client) {
         m_client->DeleteObserver(this);
         m_client->Stop();
-        ValueHost::SetClient(clientName, nullptr);
         m_client.reset();
     }
     ValueHost::DestroyTree();
