@@ -15,6 +15,8 @@ Q_LOGGING_CATEGORY(lcValues, "rx.values")
 namespace ValueHost {
 namespace {
 
+constexpr int mostReplacements = 3;
+
 bool IsWholeNumber(int type)
 {
     switch (type) {
@@ -42,9 +44,15 @@ bool ToDouble(const QVariant& content, double* number)
 
 bool ToInt(const QVariant& content, int* number)
 {
-    bool ok = false;
-    const qlonglong wide = IsWholeNumber(content.typeId()) ? content.toLongLong(&ok) : 0;
-    if (!ok || wide < std::numeric_limits<int>::min() || wide > std::numeric_limits<int>::max()) {
+    if (!IsWholeNumber(content.typeId())) {
+        return false;
+    }
+    if (content.typeId() == QMetaType::ULongLong &&
+        content.toULongLong() > qulonglong(std::numeric_limits<int>::max())) {
+        return false;
+    }
+    const qlonglong wide = content.toLongLong();
+    if (wide < std::numeric_limits<int>::min() || wide > std::numeric_limits<int>::max()) {
         return false;
     }
     *number = int(wide);
@@ -176,15 +184,20 @@ ValueBase* Create(const QString& path, const ValueDescription& description, cons
     if (!tree) {
         return nullptr;
     }
-    if (ValueBase* found = tree->FindValue(path)) {
+    // An observer of a value that is replaced may make another one at once, or end the tree.
+    for (int attempt = 0; ValueBase* found = tree->FindValue(path); ++attempt) {
         if (TypeOf(*found) == description.type) {
             return Renew(*found, description, content);
         }
+        if (attempt == mostReplacements) {
+            qCWarning(lcValues, "No value can be made at \"%ls\": an observer puts one of another type there",
+                      qUtf16Printable(path));
+            return nullptr;
+        }
         tree->DeleteValue(path);
-        // An observer of the old value may have made another one, or ended the tree.
         tree = Tree::Instance();
-        if (!tree || tree->FindValue(path)) {
-            return tree ? tree->FindValue(path) : nullptr;
+        if (!tree) {
+            return nullptr;
         }
     }
     TreePrivate& own = TreePrivate::Of(*tree);
