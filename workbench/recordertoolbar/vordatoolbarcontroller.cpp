@@ -5,6 +5,7 @@
 
 #include "receivercommon/valuefollower.h"
 #include "recordertoolbar/recordertoolbarwidget.h"
+#include "valuecontrols/operatorjournal.h"
 #include "valueframework/tree.h"
 #include "valueframework/value.h"
 #include "valueframework/valuehost.h"
@@ -97,7 +98,7 @@ public:
             return;
         m_Written = true;
         m_Sent = false;
-        recording->SelectKey(key, nullptr);
+        OperatorJournal::Write(*recording, key, nullptr);
     }
 
     QPointer<RecorderToolBarWidget> m_Widget;
