@@ -168,6 +168,7 @@ void AirRecordingsTest::timeSignalLevelsAreThoseOfItsSamples()
     int inside = 0;
     int outside = 0;
     double carrier = 0;
+    double reduced = 0;
     double worst = 0;
     for (const Report& report : reports) {
         bool clear = true;
@@ -176,8 +177,7 @@ void AirRecordingsTest::timeSignalLevelsAreThoseOfItsSamples()
             if (!within(report, mark, 0.012))
                 continue;
             ++inside;
-            // The reduced level itself wanders by 2 dB from mark to mark.
-            QVERIFY2(std::abs(report.level + 27.3) < 2.5, qPrintable(QString::number(report.level)));
+            reduced += report.level;
         }
         if (clear) {
             ++outside;
@@ -193,8 +193,9 @@ void AirRecordingsTest::timeSignalLevelsAreThoseOfItsSamples()
           worst);
     QVERIFY(inside >= 30);
     QVERIFY(outside >= 300);
-    // It fades for a moment at 6.5 s, so that only the mean can be asked for.
+    // The carrier fades for a moment, the reduced level wanders: only the means can be asked for.
     QVERIFY2(std::abs(carrier / outside + 9.3) < 0.5, qPrintable(QString::number(carrier / outside)));
+    QVERIFY2(std::abs(reduced / inside + 27.3) < 1, qPrintable(QString::number(reduced / inside)));
 }
 
 void AirRecordingsTest::containerAndPlainSamplesAreTheSame()

@@ -21,6 +21,7 @@ struct ToneSetup
     double center = 1e6;    // Hz
     qint64 samples = -1;    // length, -1: endless
     qint64 failAfter = -1;  // samples
+    qint64 pulseAt = -1;    // silence but for 2 ms from this sample on; -1: no silence
     qint64 spoilEvery = 0;  // every so many samples one is not a number
     bool tunable = false;
     bool rewinds = true;
@@ -51,6 +52,9 @@ public:
             const double seconds = double(m_at) / m_setup.rate;
             const double turns = std::fmod((m_setup.tone - m_center) * seconds, 1.0);
             samples[i] = Sample(std::polar(0.1 * std::pow(10.0, seconds / 20), 2 * pi * turns));
+            if (m_setup.pulseAt >= 0 &&
+                (m_at < m_setup.pulseAt || double(m_at - m_setup.pulseAt) >= 2e-3 * m_setup.rate))
+                samples[i] = Sample();
             if (m_setup.spoilEvery > 0 && m_at % m_setup.spoilEvery == 0)
                 samples[i] = Sample(std::numeric_limits<float>::quiet_NaN(), 0.0F);
         }
@@ -120,6 +124,8 @@ private slots:
     void reportsTwentyTimesForASecondOfSignal_data();
     void reportsTwentyTimesForASecondOfSignal();
     void levelIsThatOfTheReportsOwnTime();
+    void shortPulseCountsAlikeWhereverItLies_data();
+    void shortPulseCountsAlikeWhereverItLies();
     void fullScaleIsTheLevelGiven();
     void lastReportCoversTheRest();
     void recordingShorterThanATransformIsStillMeasured();
@@ -182,6 +188,33 @@ void EngineTest::levelIsThatOfTheReportsOwnTime()
         QVERIFY2(std::abs(double(report.levels[0]) - expected) < 0.05,
                  qPrintable(QString("%1 at %2 s").arg(double(report.levels[0])).arg(report.position)));
     }
+}
+
+void EngineTest::shortPulseCountsAlikeWhereverItLies_data()
+{
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<double>("at");
+    for (const double rate : {12001.03, 48e3, 1e6})
+        for (const double at : {0.113, 0.115, 0.1171, 0.1193, 0.1214, 0.125, 0.1288, 0.131})
+            QTest::addRow("%.0f S/s, %.1f ms", rate, at * 1e3) << rate << at;
+}
+
+void EngineTest::shortPulseCountsAlikeWhereverItLies()
+{
+    QFETCH(double, rate);
+    QFETCH(double, at);
+    ToneSetup setup = seconds(0.25, rate);
+    setup.pulseAt = std::llround(at * rate);
+    setup.tone = setup.center + 0.1 * rate;
+    Listener listener(setup);
+    listener.engine.setChannelCount(1);
+    listener.engine.setChannel(0, setup.center, rate);
+    QVERIFY(listener.runToTheEnd());
+    // 2 ms of the 50 that the third report lasts.
+    const double expected = 60 + at + 10 * std::log10(2.0 / 50);
+    const double measured = double(listener.reports[2].levels[0]);
+    QVERIFY2(std::abs(measured - expected) < 0.5,
+             qPrintable(QString("%1 for %2").arg(measured).arg(expected)));
 }
 
 void EngineTest::fullScaleIsTheLevelGiven()
