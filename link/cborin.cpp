@@ -232,6 +232,8 @@ Content CborIn::content()
 
 void CborIn::skip()
 {
+    while (!failed() && m_reader.isTag())
+        advance();
     if (failed())
         return;
     if (m_reader.isContainer()) {

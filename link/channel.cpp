@@ -68,6 +68,11 @@ void Channel::readDevice()
 {
     if (m_reading)
         return;
+    // Nobody wants what comes now, but a socket with unread bytes does not close cleanly.
+    if (m_closed && m_device) {
+        m_device->skip(m_device->bytesAvailable());
+        return;
+    }
     m_reading = true;
     const QPointer<Channel> alive(this);
     // Reading in parts keeps the memory bounded while a fast peer goes on sending.
