@@ -182,6 +182,21 @@ void VtClient::wake()
     QCoreApplication::postEvent(this, new QEvent(runEvent));
 }
 
+void VtClient::wakeLater()
+{
+    m_slice.start();
+}
+
+// An observer may destroy the client in the middle of it.
+void VtClient::runMirror()
+{
+    const QPointer<VtClient> self(this);
+    const std::shared_ptr<MirrorTree> mirror = m_mirror;
+    mirror->run();
+    if (self)
+        throttle();
+}
+
 void VtClient::wakeWrites()
 {
     if (m_writesPosted)
