@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "startup/cfgcenter.h"
+#include "startup/configschema.h"
 #include "startup/startuphost.h"
 
 // What a configuration may be, and what is said about one that is not right.
@@ -301,6 +302,33 @@ private Q_SLOTS:
             "app.toml:1:9: Boxed in app is an integer, expected true or false; the default is used");
         Load("Boxed = 1");
         QVERIFY(!CfgCenter::Instance()->GetAppCfg(2)->GetBool(QStringLiteral("Boxed"), false, nullptr));
+    }
+
+    void theConfigurationsThatComeWithTheProgramsAreRight()
+    {
+        const QDir folder(QStringLiteral(RX_SOURCE_DIR "/config"));
+        const QStringList files = folder.entryList({QStringLiteral("*.toml")});
+        QVERIFY(!files.isEmpty());
+        for (const QString& file : files) {
+            QString error;
+            QVERIFY2(StartupHost::LoadConfiguration(folder.filePath(file), &error), qPrintable(error));
+            QCOMPARE(StartupHost::ConfigurationWarnings(), QStringList());
+            QCOMPARE(CfgCenter::GetAppName() + QStringLiteral(".toml"), file);
+        }
+    }
+
+    void everyKnownKeyIsDocumented()
+    {
+        QFile page(QStringLiteral(RX_SOURCE_DIR "/docs/configuration.md"));
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(page.readAll());
+        for (const char* scope :
+             {"", "Entry", "Config:DDCGUI", "Config:ReceiverGui", "Config:ReceiverGui/MshClientCfg"}) {
+            const QStringList names = ConfigSchema::Names(QString::fromUtf8(scope));
+            QVERIFY2(!names.isEmpty(), scope);
+            for (const QString& name : names)
+                QVERIFY2(text.contains(QLatin1Char('`') + name + QLatin1Char('`')), qPrintable(name));
+        }
     }
 
     void numbersAreReadWithinTheirLimits()

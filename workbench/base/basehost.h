@@ -9,7 +9,8 @@ namespace BaseHost {
 void SetTraceMask(unsigned mask);
 
 // Where log lines go besides stderr: a file that is rotated at `maximumBytes` and kept `files`
-// times (name, name.1, ...). An empty name closes it. False with a reason when it cannot be opened.
+// times (name, name.1, ...), the one being written included. An empty name closes it. False with a
+// reason, and no log open, when it cannot be opened.
 bool OpenLog(const QString& fileName, qint64 maximumBytes, int files, QString* reason);
 
 // Called on the GUI thread for every reported error, after it was logged.

@@ -82,11 +82,6 @@ QStringList Names(const QString& scope)
     return names;
 }
 
-bool HasScope(const QString& scope)
-{
-    return !Names(scope).isEmpty();
-}
-
 QString Nearest(const QString& name, const QStringList& names)
 {
     const int longestName = 64;  // nobody means a known name with more

@@ -33,9 +33,6 @@ const Key* Find(const QString& scope, const QString& name);
 // The names known in a scope.
 QStringList Names(const QString& scope);
 
-// Whether any key of the scope is known. Where none is, only reading makes keys known.
-bool HasScope(const QString& scope);
-
 // The one of `names` that `name` was probably meant to be; empty when none is near.
 QString Nearest(const QString& name, const QStringList& names);
 
