@@ -18,8 +18,15 @@ namespace {
 const int frameWidth = 1;
 const int longTick = 5;
 const int shortTick = 3;
-const int markWidth = 2;
 const int arrowWidth = 6;
+
+struct BarColors
+{
+    QColor ground;
+    QColor fill;
+    QColor onGround;
+    QColor onFill;
+};
 
 // A fill that stands out from the ground by lightness alone, whatever the palette's accent is.
 QColor FillColor(const QPalette& palette)
@@ -48,17 +55,23 @@ void PaintTicks(QPainter& painter, const QRect& area, const BarScale& scale, con
 }
 
 // The highest points down from the top, the lowest up from the bottom: told apart without colour.
-void PaintMark(QPainter& painter, const QRect& area, qreal x, bool highest, const QPalette& palette)
+// Only a hair line crosses the middle, where the number stands.
+void PaintMark(QPainter& painter, const QRect& area, qreal x, bool highest, const BarColors& colors,
+               qreal filledTo)
 {
-    const qreal left = qBound(qreal(area.left()), x - markWidth / 2.0, qreal(area.right() + 1 - markWidth));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette.color(QPalette::Base));
-    painter.drawRect(QRectF(left - 1, area.top(), markWidth + 2, area.height()));
-    painter.setBrush(palette.color(QPalette::Text));
-    painter.drawRect(QRectF(left, area.top(), markWidth, area.height()));
+    const qreal half = 4;
+    const qreal tip = 5;
+    const qreal middle = qBound(qreal(area.left()) + 1, x, qreal(area.right()));
     const qreal edge = highest ? area.top() : area.bottom() + 1;
-    const qreal tip = highest ? area.top() + 4 : area.bottom() - 3;
-    const QPointF points[3] = {{left - 2, edge}, {left + markWidth + 2, edge}, {left + markWidth / 2.0, tip}};
+    const QPointF points[3] = {
+        {middle - half, edge}, {middle + half, edge}, {middle, highest ? edge + tip : edge - tip}};
+    QColor hair = middle <= filledTo ? colors.onFill : colors.onGround;
+    hair.setAlpha(90);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(hair);
+    painter.drawRect(QRectF(middle - 0.5, area.top(), 1, area.height()));
+    painter.setPen(QPen(colors.ground, 1));
+    painter.setBrush(colors.onGround);
     painter.drawPolygon(points, 3);
 }
 
@@ -79,7 +92,7 @@ void PaintText(QPainter& painter, const QRect& area, const QRectF& part, const Q
     painter.save();
     painter.setClipRect(part);
     painter.setPen(color);
-    painter.drawText(area, Qt::AlignCenter, text);
+    painter.drawText(area.translated(0, -1), Qt::AlignCenter, text);  // clear of the ticks
     painter.restore();
 }
 
@@ -95,33 +108,34 @@ void Paint(QPainter& painter, const QRect& widget, const BarPicture& picture, co
 {
     const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1;
     const QRect area = ScaleRect(widget);
-    const QColor ground = palette.color(QPalette::Base);
-    const QColor fill = picture.usable ? FillColor(palette) : palette.color(QPalette::Mid);
-    const QColor onGround = palette.color(QPalette::Text);
-    const QColor onFill = ControlLook::ReadableOn(fill);
+    BarColors colors;
+    colors.ground = palette.color(QPalette::Base);
+    colors.fill = picture.usable ? FillColor(palette) : palette.color(QPalette::Mid);
+    colors.onGround = palette.color(QPalette::Text);
+    colors.onFill = ControlLook::ReadableOn(colors.fill);
 
     painter.fillRect(widget, palette.color(QPalette::Mid));
-    painter.fillRect(area, ground);
+    painter.fillRect(area, colors.ground);
     const QRectF filled(area.left(), area.top(), picture.missing ? 0 : picture.level / ratio, area.height());
     const QRectF empty(filled.right(), area.top(), area.right() + 1 - filled.right(), area.height());
-    painter.fillRect(filled, fill);
+    painter.fillRect(filled, colors.fill);
 
-    QColor tick = onGround;
+    QColor tick = colors.onGround;
     tick.setAlpha(110);
     PaintTicks(painter, area, scale, tick);
 
     painter.setRenderHint(QPainter::Antialiasing);
     if (picture.lowest >= 0)
-        PaintMark(painter, area, area.left() + picture.lowest / ratio, false, palette);
+        PaintMark(painter, area, area.left() + picture.lowest / ratio, false, colors, filled.right());
     if (picture.highest >= 0)
-        PaintMark(painter, area, area.left() + picture.highest / ratio, true, palette);
+        PaintMark(painter, area, area.left() + picture.highest / ratio, true, colors, filled.right());
     if (picture.beyond == BarPicture::Above)
-        PaintArrow(painter, area, true, onFill);
+        PaintArrow(painter, area, true, colors.onFill);
     else if (picture.beyond == BarPicture::Below)
-        PaintArrow(painter, area, false, onGround);
+        PaintArrow(painter, area, false, colors.onGround);
     if (!picture.text.isEmpty()) {
-        PaintText(painter, area, filled, picture.text, onFill);
-        PaintText(painter, area, empty, picture.text, onGround);
+        PaintText(painter, area, filled, picture.text, colors.onFill);
+        PaintText(painter, area, empty, picture.text, colors.onGround);
     }
 }
 

@@ -10,10 +10,7 @@ namespace ControlLook {
 
 namespace {
 
-bool IsDark(const QPalette& palette)
-{
-    return palette.color(QPalette::Window).lightness() < 128;
-}
+const float washOpacity = 0.53f;
 
 double Luminance(const QColor& color)
 {
@@ -23,13 +20,40 @@ double Luminance(const QColor& color)
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
+QPixmap OnPlate(const QPixmap& picture)
+{
+    QPixmap plate(picture.size());
+    plate.setDevicePixelRatio(picture.devicePixelRatio());
+    plate.fill(Qt::transparent);
+    QPainter painter(&plate);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(222, 222, 222));
+    painter.drawRoundedRect(QRectF(QPointF(0, 0), picture.deviceIndependentSize()), 2, 2);
+    painter.drawPixmap(0, 0, picture);
+    return plate;
+}
+
 }  // namespace
+
+bool IsDark(const QPalette& palette)
+{
+    return palette.color(QPalette::Window).lightness() < 128;
+}
 
 void PaintWash(QPainter& painter, const QRect& rect, const QPalette& palette)
 {
     QColor wash = palette.color(QPalette::Window);
-    wash.setAlpha(135);
+    wash.setAlphaF(washOpacity);
     painter.fillRect(rect, wash);
+}
+
+QColor Washed(const QColor& color, const QPalette& palette)
+{
+    const QColor wash = palette.color(QPalette::Window);
+    const auto mix = [](int one, int other) { return int(one * (1 - washOpacity) + other * washOpacity); };
+    return QColor(mix(color.red(), wash.red()), mix(color.green(), wash.green()),
+                  mix(color.blue(), wash.blue()));
 }
 
 QColor PendingColor(const QPalette& palette)
@@ -85,13 +109,17 @@ QColor ReadableOn(const QColor& background)
                                                                               : QColor(Qt::white);
 }
 
-QIcon CrispIcon(const QPixmap& picture)
+QIcon CrispIcon(const QPixmap& picture, const QPalette& palette)
 {
-    QIcon icon(picture);
+    const bool dark = IsDark(palette);
+    QIcon icon(dark && !picture.isNull() ? OnPlate(picture) : picture);
     if (picture.isNull() || picture.width() > 64)
         return icon;
-    for (int factor = 2; factor <= 4; ++factor)
-        icon.addPixmap(picture.scaled(picture.size() * factor, Qt::KeepAspectRatio, Qt::FastTransformation));
+    for (int factor = 2; factor <= 4; ++factor) {
+        const QPixmap larger =
+            picture.scaled(picture.size() * factor, Qt::KeepAspectRatio, Qt::FastTransformation);
+        icon.addPixmap(dark ? OnPlate(larger) : larger);
+    }
     return icon;
 }
 

@@ -18,6 +18,9 @@ namespace ControlLook {
 // Lays the background over a control whose value cannot be used; its content stays readable.
 void PaintWash(QPainter& painter, const QRect& rect, const QPalette& palette);
 
+// The colour that the wash makes of a colour.
+QColor Washed(const QColor& color, const QPalette& palette);
+
 // A dotted line along the lower edge: written, not answered yet.
 void PaintPending(QPainter& painter, const QRect& rect, const QPalette& palette);
 
@@ -36,8 +39,11 @@ QColor ReadableOn(const QColor& background);
 // Contrast ratio of two colours, 1 to 21.
 double Contrast(const QColor& one, const QColor& other);
 
-// A picture that stays sharp on any screen: whole multiples are made without smoothing.
-QIcon CrispIcon(const QPixmap& picture);
+// A picture that stays sharp on any screen: whole multiples are made without smoothing. On a dark
+// button it lies on a light plate, since the pictures are drawn for light ground.
+QIcon CrispIcon(const QPixmap& picture, const QPalette& palette);
+
+bool IsDark(const QPalette& palette);
 
 QString Elided(const QString& text, const QFontMetrics& metrics, int width);
 

@@ -30,7 +30,9 @@ ControlNote::ControlNote(QWidget* control, Kind kind, const QString& text)
     setObjectName(QStringLiteral("controlNote"));
     setFocusPolicy(Qt::NoFocus);
     setTextFormat(Qt::PlainText);
-    setPalette(QToolTip::palette());
+    QPalette paper = QToolTip::palette();
+    paper.setColor(QPalette::Window, paper.color(QPalette::ToolTipBase));  // what the colours go by
+    setPalette(paper);
     setBackgroundRole(QPalette::ToolTipBase);
     setForegroundRole(QPalette::ToolTipText);
     setContentsMargins(10, 4, 8, 4);

@@ -122,6 +122,12 @@ Reading Read(const QString& entry, const QString& unit)
         return Problem(Text("The entry is empty. Enter a number, for example %1.").arg(Example(unit)));
     TakeUnit(&text, unit);
     const int power = TakePrefix(&text, unit);
+    static const QRegularExpression fractionOrGroup(QStringLiteral("^[+-]?[0-9]{1,3},[0-9]{3}$"));
+    if (fractionOrGroup.match(text).hasMatch())
+        return Problem(
+            Text("\"%1\" can be read in two ways. Write a point before the decimals, and blanks or "
+                 "nothing between groups.")
+                .arg(Quoted(entry)));
     SettleSeparators(&text);
 
     static const QRegularExpression number(
@@ -139,7 +145,8 @@ Reading Read(const QString& entry, const QString& unit)
         // The prefix goes into the exponent, so that 433.9205M is the nearest double to 433920500.
         const QString exact = match.captured(1) + QLatin1Char('e') + QString::number(exponent + power);
         reading.value = exact.toLatin1().toDouble(&reading.ok);
-        if (!reading.ok && reading.value == 0) {  // smaller than any double
+        if (!reading.ok && exponent + power < 0) {  // smaller than any double
+            reading.value = 0;
             reading.ok = true;
         }
     }

@@ -15,7 +15,8 @@ struct Reading
 };
 
 // Reads digits (grouped or not), an exponent, one of the prefixes k, M, G, and the unit or nothing.
-// One comma is a decimal point, several are groups. Always finite when ok.
+// A comma is a decimal point where it cannot be meant otherwise; "98,500" is refused, since it means a
+// fraction to some and thousands to others. Always finite when ok.
 Reading Read(const QString& entry, const QString& unit);
 
 // "98 500 000 Hz"; `precision` digits after the point, -1 as many as needed (at most 6). Without a

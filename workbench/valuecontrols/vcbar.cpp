@@ -127,10 +127,12 @@ private:
         double lowest = level;
         double highest = level;
         const qint64 now = m_Clock.elapsed();
-        if (m_ShowExtremes && picture.usable && m_History.Extremes(now, &lowest, &highest)) {
-            picture.lowest = PixelOf(qMin(lowest, level), width);
-            picture.highest = PixelOf(qMax(highest, level), width);
-            if (lowest != highest && m_Bar->isVisible())
+        // A level that stands still has no extremes worth a mark.
+        if (m_ShowExtremes && picture.usable && m_History.Extremes(now, &lowest, &highest) &&
+            lowest != highest) {
+            picture.lowest = PixelOf(lowest, width);
+            picture.highest = PixelOf(highest, width);
+            if (m_Bar->isVisible())
                 m_Expiry.start(int(m_History.NextChangeMs(now)) + 100);
         }
         return picture;

@@ -1,5 +1,6 @@
 #include "valuecontrols/vcbutton.h"
 
+#include <QEvent>
 #include <QMap>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
@@ -11,7 +12,8 @@ namespace {
 
 struct Picture
 {
-    QIcon icon;
+    QPixmap given;
+    QIcon icon;  // of the picture as given, fit for screen and palette
     bool active = false;
 };
 
@@ -24,17 +26,25 @@ public:
 
     void SetDefault(const QPixmap& picture)
     {
-        m_Default = ControlLook::CrispIcon(picture);
+        m_Default = {picture, Icon(picture), false};
         FitIconSize(picture);
         ShowContent();
     }
 
     void SetSpecial(int key, const QPixmap& picture, bool active)
     {
-        m_Special[key] = {ControlLook::CrispIcon(picture), active};
+        m_Special[key] = {picture, Icon(picture), active};
         FitIconSize(picture);
         if (active)
             m_Button->setCheckable(true);
+        ShowContent();
+    }
+
+    void PaletteChanged()
+    {
+        m_Default.icon = Icon(m_Default.given);
+        for (Picture& picture : m_Special)
+            picture.icon = Icon(picture.given);
         ShowContent();
     }
 
@@ -75,8 +85,8 @@ private:
     // Without a value and a picture for all keys, the picture of the switched-off state stands in.
     QIcon FallBack() const
     {
-        if (!m_Default.isNull())
-            return m_Default;
+        if (!m_Default.given.isNull())
+            return m_Default.icon;
         for (const Picture& picture : m_Special) {
             if (!picture.active && !BoundValue())
                 return picture.icon;
@@ -84,16 +94,20 @@ private:
         return QIcon();
     }
 
+    QIcon Icon(const QPixmap& picture) const { return ControlLook::CrispIcon(picture, m_Button->palette()); }
+
     void FitIconSize(const QPixmap& picture)
     {
         const QSize size = picture.deviceIndependentSize().toSize();
         if (size.width() > 0 && size.width() <= 64)
-            m_Button->setIconSize(size);
+            m_Button->setIconSize(m_HasPicture ? m_Button->iconSize().expandedTo(size) : size);
+        m_HasPicture = m_HasPicture || !picture.isNull();
     }
 
     VCButton* m_Button;
-    QIcon m_Default;
+    Picture m_Default;
     QMap<int, Picture> m_Special;
+    bool m_HasPicture = false;
 };
 
 VCButton::VCButton(QWidget* parent, const QString& text, bool autoRaise, int)
@@ -137,7 +151,11 @@ void VCButton::SetSpecialPicture(int key, const QPixmap& picture, bool active)
 
 bool VCButton::event(QEvent* event)
 {
-    return d->HandleEvent(event) || QToolButton::event(event);
+    if (d->HandleEvent(event))
+        return true;
+    if (event->type() == QEvent::PaletteChange)
+        d->PaletteChanged();
+    return QToolButton::event(event);
 }
 
 void VCButton::paintEvent(QPaintEvent* event)

@@ -35,6 +35,17 @@ public:
             m_TypingPause.start(QGuiApplication::styleHints()->keyboardInputInterval());
     }
 
+    // A blank within a text being looked for; alone it opens the list.
+    void SearchBlank()
+    {
+        QAbstractItemView* const list = m_Box->view();
+        list->setCurrentIndex(m_Box->model()->index(m_Box->currentIndex(), m_Box->modelColumn()));
+        list->keyboardSearch(QStringLiteral(" "));
+        if (list->currentIndex().isValid())
+            m_Box->setCurrentIndex(list->currentIndex().row());
+        TypingEnded();
+    }
+
     bool HasFound() const { return m_FoundByTyping; }
 
     void WriteFound()
@@ -210,13 +221,16 @@ void VCComboBoxClassic::keyPressEvent(QKeyEvent* event)
         d->DropFound();
         return event->accept();
     }
-    const bool letter = !event->text().isEmpty() && event->text().at(0).isPrint() &&
+    if (key == Qt::Key_Space && d->HasFound()) {
+        d->SearchBlank();
+        return event->accept();
+    }
+    const bool letter = key != Qt::Key_Space && !event->text().isEmpty() && event->text().at(0).isPrint() &&
                         !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-    const bool opens = key == Qt::Key_Space && !d->HasFound();
-    if (letter && !opens)
+    if (letter)
         d->TypingStarts();
     QComboBox::keyPressEvent(event);
-    if (letter && !opens)
+    if (letter)
         d->TypingEnded();
 }
 

@@ -142,19 +142,19 @@ public:
         return BoundValue() && m_Spin->text() != DisplayText(*BoundValue(), false) && !m_Editing;
     }
 
+    // The field within is a widget of its own and is greyed by its colours.
     void GreyText()
     {
-        const QPalette::ColorGroup group = IsShownUsable() ? QPalette::Active : QPalette::Disabled;
-        QPalette palette = m_Spin->palette();
-        for (const QPalette::ColorRole role : {QPalette::Text, QPalette::Base}) {
-            const QBrush brush = m_Spin->palette().brush(group, role);
-            palette.setBrush(QPalette::Active, role, brush);
-            palette.setBrush(QPalette::Inactive, role, brush);
+        if (m_Greyed == !IsShownUsable())
+            return;
+        m_Greyed = !m_Greyed;
+        QPalette palette;
+        if (m_Greyed) {
+            const QPalette from = m_Spin->palette();
+            for (const QPalette::ColorRole role : {QPalette::Text, QPalette::Base})
+                palette.setColor(role, ControlLook::Washed(from.color(role), from));
         }
-        if (m_Greyed == IsShownUsable()) {
-            m_Greyed = !IsShownUsable();
-            m_Spin->lineEdit()->setPalette(m_Greyed ? palette : QPalette());
-        }
+        m_Spin->lineEdit()->setPalette(palette);
     }
 
 protected:

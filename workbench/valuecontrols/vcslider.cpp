@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 #include <cmath>
 
+#include "valuecontrols/numbertext.h"
 #include "valuecontrols/valuebinding.h"
 
 namespace {
@@ -106,15 +107,17 @@ private:
         m_Slider->setPageStep(qMax(1, m_Positions / 10));
     }
 
-    // Written so that both ends and the middle are met exactly.
+    // Both ends are met exactly; between them the number has no more digits than positions tell apart.
     double ContentAt(int position) const
     {
+        if (position <= 0 || position >= m_Positions)
+            return position <= 0 ? m_Minimum : m_Maximum;
         const double share = double(position) / m_Positions;
         const double content = m_Minimum * (1 - share) + m_Maximum * share;
         if (ValueHost::TypeOf(*BoundValue()) == ValueType::Integer)
             return std::round(content);
-        const double grain = (m_Maximum - m_Minimum) / m_Positions * 1e-6;
-        return std::fabs(content) < grain ? 0 : content;
+        const int digits = int(std::ceil(-std::log10((m_Maximum - m_Minimum) / m_Positions))) + 1;
+        return NumberText::AddDecimal(content, 0, qBound(0, digits, 15));
     }
 
     int PositionOf(double content) const
