@@ -15,7 +15,8 @@ public:
     virtual void StartTransaction(IObserver* originator) = 0;
 
     // Notifies all observers but `originator` once with `code`, if anything changed since the
-    // outermost start. An end without a start does nothing.
+    // outermost start. A new state or description is told with its own code as well, to all, where
+    // `code` is another one. An end without a start does nothing.
     virtual void EndTransaction(TChangeCode code, IObserver* originator) = 0;
 
     virtual bool IsTransactionActive() = 0;

@@ -25,12 +25,14 @@ public:
     Node* FindNode(const QString& path);
 
     // Announces (state VS_DELETING, CC_STATE), then destroys the value at a path, or the node with
-    // all that is below it. A path that is not there is ignored.
+    // all that is below it: all values are announced, in the order in which they were made, before
+    // the first is destroyed. From the first announcement on none of the paths is found any more.
+    // A path that is not there is ignored.
     void DeleteValue(const QString& path);
 
     // Takes ownership of a named value and puts it under an existing node; `parentPath` may end
-    // with "/". Throws ARException, taking nothing, when there is no such node, the name is empty
-    // or taken.
+    // with "/". Throws ARException, taking nothing, when there is no such node, the name is empty,
+    // taken or contains "/", or the value has its place already.
     void AddValue(const QString& parentPath, ValueBase* value);
 
 private:

@@ -12,8 +12,9 @@ class VALUEFRAMEWORK_EXPORT ValueDescriptor
 {
 public:
     // The node at an absolute path, made with all nodes above it where missing. The root for an
-    // empty path; null without a tree or when a value has that path. `observer` may be null and
-    // is told nothing: nodes do not change.
+    // empty path; null without a tree, when a value has that path or one on the way to it, or when
+    // the path is malformed ("A", "/A/", "/A//B"). `observer` may be null and is told nothing:
+    // nodes do not change.
     static Node* CreateNodeAbsolute(QString path, IObserver* observer);
 };
 

@@ -60,6 +60,7 @@ private slots:
     void createReplacesAValueOfAnotherType();
     void createKeepsAValueOfTheSameType();
     void createIsNullWhereANodeIs();
+    void createGivesUpAgainstAnObserverThatKeepsThePath();
     void createWhileAnObserverMakesTheSamePath();
     void createWhileAnObserverDeletesThePath();
     void valuesBelowAreInTheOrderOfMaking();
@@ -376,7 +377,26 @@ void tst_tree::createIsNullWhereANodeIs()
     QVERIFY(!ValueHost::Create("/A", Described(ValueType::Bool), true));
     QTest::ignoreMessage(QtWarningMsg, "No node \"/A/B\": \"/A/B\" is a value");
     QVERIFY(!ValueHost::Create("/A/B/C", Described(ValueType::Bool), true));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("the type is unknown here"));
+    QVERIFY(!ValueHost::Create("/A/D", Described(ValueType::Other), QVariant()));
     QCOMPARE(ValueHost::CountValues(), 1);
+}
+
+void tst_tree::createGivesUpAgainstAnObserverThatKeepsThePath()
+{
+    OwnTree tree;
+    Watcher watcher([&](Observable*, TChangeCode) {
+        if (Tree::Instance() && !Tree::Instance()->FindValue("/A/B")) {
+            if (ValueBase* value = MakeInt("/A/B")) {
+                value->AddObserver(&watcher);
+            }
+        }
+    });
+    MakeInt("/A/B")->AddObserver(&watcher);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("an observer puts one of another type there"));
+    QVERIFY(!ValueHost::Create("/A/B", Described(ValueType::Text), "x"));
+    QVERIFY(dynamic_cast<IntValue*>(Tree::Instance()->FindValue("/A/B")));
+    watcher.onUpdate = nullptr;
 }
 
 void tst_tree::createWhileAnObserverMakesTheSamePath()

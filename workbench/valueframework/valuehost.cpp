@@ -166,6 +166,46 @@ ValueBase* Renew(ValueBase& value, const ValueDescription& description, const QV
     return watch.IsAlive() ? &value : nullptr;
 }
 
+ValueBase* Refused(const QString& path, const char* reason)
+{
+    qCWarning(lcValues, "No value can be made at \"%ls\": %s", qUtf16Printable(path), reason);
+    return nullptr;
+}
+
+// A new value at a path that is free of values.
+ValueBase* MakeAt(TreePrivate& tree, const QString& path, const ValueDescription& description,
+                  const QVariant& content)
+{
+    if (tree.closing) {
+        return Refused(path, "the tree is being closed");
+    }
+    if (!TreePrivate::IsWellFormed(path)) {
+        return Refused(path, "each part of a path needs one \"/\" before it");
+    }
+    if (tree.nodes.Find(path)) {
+        return Refused(path, "a node has that path");
+    }
+    if (description.type == ValueType::Other) {
+        return Refused(path, "the type is unknown here; make the value and add it");
+    }
+    const qsizetype separator = path.lastIndexOf(QLatin1Char('/'));
+    Node* parent = tree.NeededNode(path.left(separator));
+    if (!parent) {
+        return nullptr;
+    }
+    ValueBase* value = Make(description.type);
+    bool contentChanged = false;
+    Describe(*value, description, &contentChanged);
+    if (content.isValid() && !SetContent(*value, content, nullptr)) {
+        qCWarning(lcValues, "The content given for \"%ls\" does not fit its type and is left out",
+                  qUtf16Printable(path));
+    }
+    KeepWithinLimits(*value);
+    ValueBasePrivate::Of(*value).rare.reset();  // nobody wrote yet
+    tree.Insert(*parent, *value, path.mid(separator + 1));
+    return value;
+}
+
 }  // namespace
 
 void CreateTree()
@@ -180,51 +220,19 @@ void DestroyTree()
 
 ValueBase* Create(const QString& path, const ValueDescription& description, const QVariant& content)
 {
-    Tree* tree = Tree::Instance();
-    if (!tree) {
-        return nullptr;
-    }
     // An observer of a value that is replaced may make another one at once, or end the tree.
-    for (int attempt = 0; ValueBase* found = tree->FindValue(path); ++attempt) {
+    for (int attempt = 0; attempt <= mostReplacements; ++attempt) {
+        Tree* tree = Tree::Instance();
+        ValueBase* found = tree ? tree->FindValue(path) : nullptr;
+        if (!found) {
+            return tree ? MakeAt(TreePrivate::Of(*tree), path, description, content) : nullptr;
+        }
         if (TypeOf(*found) == description.type) {
             return Renew(*found, description, content);
         }
-        if (attempt == mostReplacements) {
-            qCWarning(lcValues, "No value can be made at \"%ls\": an observer puts one of another type there",
-                      qUtf16Printable(path));
-            return nullptr;
-        }
         tree->DeleteValue(path);
-        tree = Tree::Instance();
-        if (!tree) {
-            return nullptr;
-        }
     }
-    TreePrivate& own = TreePrivate::Of(*tree);
-    if (own.closing || own.nodes.Find(path) || !TreePrivate::IsWellFormed(path)) {
-        qCWarning(lcValues, "No value can be made at \"%ls\": %s", qUtf16Printable(path),
-                  own.closing            ? "the tree is being closed"
-                  : own.nodes.Find(path) ? "a node has that path"
-                                         : "each part of a path needs one \"/\" before it");
-        return nullptr;
-    }
-    const qsizetype separator = path.lastIndexOf(QLatin1Char('/'));
-    ValueBase* value = Make(description.type);
-    Node* parent = value ? own.NeededNode(path.left(separator)) : nullptr;
-    if (!parent) {
-        delete value;
-        return nullptr;
-    }
-    bool contentChanged = false;
-    Describe(*value, description, &contentChanged);
-    if (content.isValid() && !SetContent(*value, content, nullptr)) {
-        qCWarning(lcValues, "The content given for \"%ls\" does not fit its type and is left out",
-                  qUtf16Printable(path));
-    }
-    KeepWithinLimits(*value);
-    ValueBasePrivate::Of(*value).rare.reset();  // nobody wrote yet
-    own.Insert(*parent, *value, path.mid(separator + 1));
-    return value;
+    return Refused(path, "an observer puts one of another type there");
 }
 
 int CountValues()

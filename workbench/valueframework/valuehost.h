@@ -63,7 +63,9 @@ void CreateTree();   // Tree::Instance() is null before
 void DestroyTree();  // announces and destroys every value; clients are not touched
 
 // A value at `path`, with its nodes. An existing value of the same type is kept and described
-// anew; one of another type is deleted (announced) and replaced. Null when `path` names a node.
+// anew; one of another type is deleted (announced) and replaced. Null, with a warning, when `path`
+// names a node, leads through a value or is malformed, and for ValueType::Other; null as well when
+// an observer deleted the value meanwhile. An invalid `content` leaves what stands.
 ValueBase* Create(const QString& path, const ValueDescription& description, const QVariant& content);
 
 int CountValues();
@@ -84,7 +86,12 @@ ValueType TypeOf(const ValueBase& value);
 
 // --- facts ------------------------------------------------------------------------------------
 const ValueDescription& Description(const ValueBase& value);
-void SetDescription(ValueBase& value, const ValueDescription& description);  // CC_DESCRIPTION
+
+// CC_DESCRIPTION where it differs. The type stays the value's own; limits that are no numbers or in
+// the wrong order do not hold; of items with the same key the first is kept. A selection keeps its
+// current key, or its first item becomes current (CC_VALUE). Where the tree owns the value, what
+// stands is brought within the new limits.
+void SetDescription(ValueBase& value, const ValueDescription& description);
 
 void SetState(ValueBase& value, TValueState state);  // CC_STATE when it differs
 
