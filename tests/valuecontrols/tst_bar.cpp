@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QPainter>
 
 #include "controlbench.h"
@@ -163,6 +164,16 @@ private slots:
         bench.bar.SetStartValue(-1e308);
         bench.bar.SetStopValue(1e308);
         QVERIFY(!bench.Picture().isNull());
+    }
+
+    void aScreenReaderIsToldNameNumberAndUnit()
+    {
+        BarBench bench(45.2);
+        QAccessibleInterface* const reader = QAccessible::queryAccessibleInterface(&bench.bar);
+        QVERIFY(reader);
+        QCOMPARE(reader->role(), QAccessible::ProgressBar);
+        QCOMPARE(reader->text(QAccessible::Name), QStringLiteral("Graphical Level Display"));
+        QCOMPARE(reader->text(QAccessible::Value), QString::fromUtf8("45.2 dBµV"));
     }
 
     void onlyANumberFits()

@@ -104,6 +104,18 @@ private slots:
         QCOMPARE(bench.Line(4)["new"].toDouble(), 97e6 + 5);
     }
 
+    void aWriteTakenBackBeforeItWasSentHasItsLine()
+    {
+        JournalBench bench;
+        ValueBase& value = ControlBench::Frequency();
+        Authority driver(value);
+        QVERIFY(OperatorJournal::Write(value, 97e6, nullptr));
+        QVERIFY(OperatorJournal::Write(value, 98.5e6, nullptr));
+        ValueHost::SetStatus(value, WriteStatus());  // as the link says that nothing is to be asked
+        QCOMPARE(bench.Lines().size(), 2);
+        QCOMPARE(bench.Line(1)["answer"].toString(), QStringLiteral("accepted"));
+    }
+
     void aValueDeletedBeforeTheAnswerHasItsLine()
     {
         JournalBench bench;

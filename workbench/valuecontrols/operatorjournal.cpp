@@ -174,6 +174,7 @@ Entry::Entry(Journal& journal, ValueBase& value, const QVariant& content)
         ",\"path\":" + Json(value.GetPathName()) +
         ",\"old\":" + ContentJson(description, ValueHost::Content(value)) +
         ",\"new\":" + ContentJson(description, content);
+    m_WasPending = ValueHost::Status(value).pending;
     value.AddObserver(this);
 }
 
@@ -218,8 +219,8 @@ void Entry::Update(Observable*, TChangeCode code)
             Finish("unanswered", status.reason);
             break;
         case WriteStatus::None:
-            if (m_WasPending)
-                Finish("unanswered", status.reason);
+            if (m_WasPending)  // written there and back before it was sent: the driver is not asked
+                Finish("accepted", QStringLiteral("nothing changed"));
             break;
     }
 }

@@ -1,5 +1,7 @@
 #include "valuecontrols/vcbar.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QElapsedTimer>
 #include <QPainter>
 #include <cmath>
@@ -25,6 +27,9 @@ public:
         m_Expiry.setSingleShot(true);
         connect(&m_Expiry, &QTimer::timeout, this, [this]() { RequestRefresh(); });
     }
+
+    static const VCBarPrivate* Of(const VCBar& bar) { return bar.d; }
+    QString SpokenText() const { return TextOf(true); }
 
     void SetEnds(double start, double stop)
     {
@@ -150,11 +155,36 @@ private:
     bool m_ShowText = false;
 };
 
+// A screen reader meets the bar as a level indicator with its number and unit.
+class AccessibleBar : public QAccessibleWidget
+{
+public:
+    AccessibleBar(VCBar* bar, const VCBarPrivate* d)
+        : QAccessibleWidget(bar, QAccessible::ProgressBar), m_Private(d)
+    {}
+
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Value ? m_Private->SpokenText() : QAccessibleWidget::text(kind);
+    }
+
+    static QAccessibleInterface* Make(const QString&, QObject* object)
+    {
+        auto* const bar = qobject_cast<VCBar*>(object);
+        return bar ? new AccessibleBar(bar, VCBarPrivate::Of(*bar)) : nullptr;
+    }
+
+private:
+    const VCBarPrivate* m_Private;
+};
+
 VCBar::VCBar(QWidget* parent, const char* name, unsigned parts, int marks, int)
     : QWidget(parent), d(new VCBarPrivate(this, BarScale{parts, marks}))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    static const bool installed = (QAccessible::installFactory(AccessibleBar::Make), true);
+    Q_UNUSED(installed);
     if (name) {
         setObjectName(QString::fromUtf8(name));
         setAccessibleName(QString::fromUtf8(name));
