@@ -23,13 +23,13 @@ QString checkFile(const QString& fileName)
         return QStringLiteral("there is no such file; check the name");
     if (info.isDir())
         return QStringLiteral("is a folder; name a recording in it");
+    if (!info.isFile())  // opening a pipe would wait for its writer
+        return QStringLiteral("is no file that can be read again; save the stream to a file first");
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("cannot be read: %1; check its permissions").arg(file.errorString().toLower());
-    if (!file.isSequential() && file.size() == 0)
+    if (file.size() == 0)
         return QStringLiteral("is empty; copy or record it again");
-    if (file.isSequential())
-        return QStringLiteral("is no file that can be read again; save the stream to a file first");
     return {};
 }
 

@@ -1,5 +1,7 @@
 #include <QtEndian>
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <limits>
 
 #include "receiver/sources/recordinglayout.h"
@@ -14,6 +16,32 @@ constexpr quint32 sizeUnknown = 0xFFFFFFFFU;  // of a chunk: the ds64 chunk or t
 
 const char* const copyAgain = "copy or record the file again";
 
+// A few bytes of a header; 0 where the file does not reach.
+struct Bytes
+{
+    std::array<char, 40> data{};
+    qint64 size = 0;  // that were read
+
+    bool has(std::size_t at, const char* four) const { return std::memcmp(data.data() + at, four, 4) == 0; }
+
+    // The first four as a name for people; a broken file may hold anything there.
+    QString name() const
+    {
+        QString name;
+        for (int i = 0; i < 4; ++i)
+            name += data[std::size_t(i)] > ' ' && data[std::size_t(i)] < 127
+                        ? QLatin1Char(data[std::size_t(i)])
+                        : QLatin1Char(' ');
+        return name.trimmed();
+    }
+
+    template <typename Number>
+    Number number(std::size_t at) const
+    {
+        return qFromLittleEndian<Number>(data.data() + at);
+    }
+};
+
 // Walks the chunks of a RIFF or RF64 file and takes every data chunk: some recorders write one for
 // each buffer, with chunks of their own (time stamps) in between.
 class WavReader
@@ -25,12 +53,12 @@ public:
 
 private:
     QString readHeader();
-    QString readChunk(const QByteArray& id, qint64 at, quint32 size, qint64* next);
+    QString readChunk(const Bytes& head, qint64 at, qint64* next);
     QString readLengths(qint64 at, qint64 size);
     QString readFormat(qint64 at, qint64 size);
     QString takeData(qint64 at, qint64 size);
     QString truncated(const QString& what, qint64 at, qint64 promised) const;
-    QByteArray bytes(qint64 at, qint64 count);
+    Bytes bytes(qint64 at, qint64 count);
 
     QFile& m_file;
     RecordingLayout* m_layout;
@@ -40,29 +68,17 @@ private:
     std::optional<qint64> m_dataBytes;  // of the first data chunk, from ds64
 };
 
-QByteArray WavReader::bytes(qint64 at, qint64 count)
+Bytes WavReader::bytes(qint64 at, qint64 count)
 {
-    return m_file.seek(at) ? m_file.read(count) : QByteArray();
-}
-
-quint16 u16(const QByteArray& bytes, int at)
-{
-    return qFromLittleEndian<quint16>(bytes.constData() + at);
-}
-
-quint32 u32(const QByteArray& bytes, int at)
-{
-    return qFromLittleEndian<quint32>(bytes.constData() + at);
-}
-
-quint64 u64(const QByteArray& bytes, int at)
-{
-    return qFromLittleEndian<quint64>(bytes.constData() + at);
+    Bytes bytes;
+    if (m_file.seek(at))
+        bytes.size = std::max<qint64>(m_file.read(bytes.data.data(), std::min<qint64>(count, 40)), 0);
+    return bytes;
 }
 
 QString WavReader::truncated(const QString& what, qint64 at, qint64 promised) const
 {
-    const qint64 there = std::max<qint64>(m_file.size() - at, 0);
+    const qint64 there = std::max<qint64>(m_end - at, 0);
     return QStringLiteral("truncated: %1 promises %2 bytes from byte %3 on, %4 are there, %5 are missing; %6")
         .arg(what)
         .arg(promised)
@@ -74,19 +90,19 @@ QString WavReader::truncated(const QString& what, qint64 at, qint64 promised) co
 
 QString WavReader::readHeader()
 {
-    const QByteArray head = bytes(0, riffHeaderBytes);
-    if (head.size() < riffHeaderBytes)
+    const Bytes head = bytes(0, riffHeaderBytes);
+    if (head.size < riffHeaderBytes)
         return QStringLiteral("truncated: %1 bytes are no WAV header; %2")
-            .arg(head.size())
+            .arg(head.size)
             .arg(QLatin1String(copyAgain));
-    m_rf64 = head.startsWith("RF64");
-    if ((!m_rf64 && !head.startsWith("RIFF")) || head.mid(8, 4) != "WAVE")
+    m_rf64 = head.has(0, "RF64");
+    if ((!m_rf64 && !head.has(0, "RIFF")) || !head.has(8, "WAVE"))
         return QStringLiteral(
                    "not a WAV file (no RIFF and WAVE at its beginning); if it holds bare samples, "
                    "say which with --format %1 and --rate")
             .arg(formatNames().join(QLatin1Char('|')));
     m_end = m_file.size();
-    const quint32 size = u32(head, 4);
+    const quint32 size = head.number<quint32>(4);
     if (m_rf64 || size == 0 || size == sizeUnknown)
         return {};  // a stream's header was never completed: the chunks go on to the file's end
     if (qint64(size) + chunkHeaderBytes > m_file.size())
@@ -97,12 +113,12 @@ QString WavReader::readHeader()
 
 QString WavReader::readLengths(qint64 at, qint64 size)
 {
-    const QByteArray body = bytes(at, 24);
-    if (size < 24 || body.size() < 24)
+    const Bytes body = bytes(at, 24);
+    if (size < 24 || body.size < 24)
         return QStringLiteral("the ds64 chunk at byte %1 is too short; %2")
             .arg(at)
             .arg(QLatin1String(copyAgain));
-    const quint64 data = u64(body, 8);
+    const quint64 data = body.number<quint64>(8);
     if (data > quint64(std::numeric_limits<qint64>::max()) / 2)
         return QStringLiteral("the ds64 chunk at byte %1 promises %2 bytes of samples; %3")
             .arg(at)
@@ -137,16 +153,16 @@ std::optional<SampleFormat> formatOfTag(quint16 tag, int bits)
 QString WavReader::readFormat(qint64 at, qint64 size)
 {
     constexpr quint16 extensible = 0xFFFE;
-    const QByteArray body = bytes(at, std::min<qint64>(size, 40));
-    if (body.size() < 16)
+    const Bytes body = bytes(at, std::min<qint64>(size, 40));
+    if (body.size < 16)
         return QStringLiteral("the fmt chunk at byte %1 is too short; %2")
             .arg(at)
             .arg(QLatin1String(copyAgain));
-    quint16 tag = u16(body, 0);
-    if (tag == extensible && body.size() >= 26)
-        tag = u16(body, 24);  // the first two bytes of the sub-format's identifier
-    const int channels = u16(body, 2);
-    const int bits = u16(body, 14);
+    quint16 tag = body.number<quint16>(0);
+    if (tag == extensible && body.size >= 26)
+        tag = body.number<quint16>(24);  // the first two bytes of the sub-format's identifier
+    const int channels = body.number<quint16>(2);
+    const int bits = body.number<quint16>(14);
     if (channels != 2)
         return QStringLiteral("has %1 channel%2, IQ needs two (left I, right Q); record it as IQ")
             .arg(channels)
@@ -158,14 +174,14 @@ QString WavReader::readFormat(qint64 at, qint64 size)
                    "or 32 bit float")
             .arg(tag)
             .arg(bits);
-    if (u16(body, 12) != bytesPerSample(*format))
+    if (body.number<quint16>(12) != bytesPerSample(*format))
         return QStringLiteral("the fmt chunk at byte %1 says %2 bytes a sample where its format takes %3; %4")
             .arg(at)
-            .arg(u16(body, 12))
+            .arg(body.number<quint16>(12))
             .arg(bytesPerSample(*format))
             .arg(QLatin1String(copyAgain));
     m_layout->format = *format;
-    m_layout->rate = u32(body, 4);
+    m_layout->rate = body.number<quint32>(4);
     m_hasFormat = true;
     return {};
 }
@@ -187,20 +203,21 @@ QString WavReader::takeData(qint64 at, qint64 size)
     return {};
 }
 
-QString WavReader::readChunk(const QByteArray& id, qint64 at, quint32 size32, qint64* next)
+QString WavReader::readChunk(const Bytes& head, qint64 at, qint64* next)
 {
+    const auto size32 = head.number<quint32>(4);
     qint64 size = size32;
-    const bool data = id == "data";
+    const bool data = head.has(0, "data");
     if (data && size32 == sizeUnknown) {
         size = m_dataBytes.value_or(m_end - at);
         m_dataBytes.reset();
     }
     *next = at + size + (size & 1);  // chunks begin at even bytes
     if (size > m_end - at)
-        return truncated(QStringLiteral("the %1 chunk").arg(QString::fromLatin1(id).trimmed()), at, size);
-    if (id == "ds64")
+        return truncated(QStringLiteral("the %1 chunk").arg(head.name()), at, size);
+    if (head.has(0, "ds64"))
         return readLengths(at, size);
-    if (id == "fmt " && !m_hasFormat)
+    if (head.has(0, "fmt ") && !m_hasFormat)
         return readFormat(at, size);
     return data ? takeData(at, size) : QString();
 }
@@ -210,11 +227,11 @@ QString WavReader::read()
     QString wrong = readHeader();
     qint64 at = riffHeaderBytes;
     while (wrong.isEmpty() && at + chunkHeaderBytes <= m_end) {
-        const QByteArray head = bytes(at, chunkHeaderBytes);
-        if (head.size() < chunkHeaderBytes)
+        const Bytes head = bytes(at, chunkHeaderBytes);
+        if (head.size < chunkHeaderBytes)
             return QStringLiteral("reading failed at byte %1: %2").arg(at).arg(m_file.errorString());
         qint64 next = 0;
-        wrong = readChunk(head.left(4), at + chunkHeaderBytes, u32(head, 4), &next);
+        wrong = readChunk(head, at + chunkHeaderBytes, &next);
         at = next;
     }
     if (!wrong.isEmpty())

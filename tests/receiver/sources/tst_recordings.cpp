@@ -1,7 +1,9 @@
+#include <sys/stat.h>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtEndian>
+
 #include <cmath>
 #include <limits>
 
@@ -96,6 +98,8 @@ private slots:
     void acceptedFilesGiveTheirSamplesRateAndCentre();
     void refusedFilesSayWhatWhereAndWhatToDo_data();
     void refusedFilesSayWhatWhereAndWhatToDo();
+    void pipeIsRefusedWithoutWaiting();
+    void fileWithoutPermissionIsRefused();
     void sigmfIsOpenedByEitherName();
     void numbersGivenWinOverTheFile();
     void nameTellsRateAndCentreOnlyWithUnits_data();
@@ -257,6 +261,9 @@ void RecordingsTest::refusedFilesSayWhatWhereAndWhatToDo_data()
         "RIFF" + le(quint32(0)) + "WAVE" + fmt(1, 2, 48000, 16) + "data" + le(quint32(1000)) + two16,
         "truncated: the data chunk promises 1000 bytes from byte 44 on, 8 are there, 992 are missing");
     row("chunk over the end.wav", riff(fmt(1, 2, 48000, 16) + "junk" + le(quint32(0xFFFFFFF0))), "truncated");
+    row("chunk over the end of riff.wav",
+        "RIFF" + le(quint32(36 + 4)) + "WAVE" + fmt(1, 2, 48000, 16) + "da\n\t" + le(quint32(8)) + two16,
+        "the da chunk promises 8 bytes from byte 44 on, 4 are there, 4 are missing");
     row("cut long.wav",
         "RF64" + le(quint32(0xFFFFFFFF)) + "WAVE" +
             chunk("ds64", le(quint64(100)) + le(quint64(80)) + le(quint64(2)) + le(quint32(0))) +
@@ -304,6 +311,26 @@ void RecordingsTest::refusedFilesSayWhatWhereAndWhatToDo()
     QVERIFY2(error.contains(';') || error.contains("--"), qPrintable("says not what to do: " + error));
     QVERIFY2(!error.contains('\n') && !error.contains("%1"), qPrintable(error));
     QVERIFY(!openRecording(fileName, options, nullptr));
+}
+
+void RecordingsTest::pipeIsRefusedWithoutWaiting()
+{
+    const QString pipe = m_folder.filePath("pipe.cs16");
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QString error;
+    QVERIFY(!openRecording(pipe, {}, &error));
+    QVERIFY2(error.contains("save the stream to a file first"), qPrintable(error));
+}
+
+void RecordingsTest::fileWithoutPermissionIsRefused()
+{
+    const QString fileName = write("48ksps_secret.cs16", two16);
+    QVERIFY(QFile::setPermissions(fileName, QFileDevice::Permissions()));
+    if (QFile(fileName).open(QIODevice::ReadOnly))
+        QSKIP("permissions do not count for this user");
+    QString error;
+    QVERIFY(!openRecording(fileName, {}, &error));
+    QVERIFY2(error.contains("check its permissions"), qPrintable(error));
 }
 
 void RecordingsTest::sigmfIsOpenedByEitherName()

@@ -34,12 +34,13 @@ void measure(IqSource& source, double seconds, std::vector<Band>& bands)
         const std::vector<double> spectrum = Reference::spectrum(samples.data(), size);
         for (Band& band : bands) {
             const double resolution = source.sampleRate() / size;
+            const auto binOf = [&](double hertz) {
+                return int(std::clamp(std::ceil((hertz - source.center()) / resolution + size / 2), 0.0,
+                                      double(size)));
+            };
             double power = 0;
-            for (int bin = 0; bin < size; ++bin) {
-                const double hertz = source.center() + (bin - size / 2) * resolution;
-                if (hertz >= band.low && hertz < band.high)
-                    power += spectrum[std::size_t(bin)];
-            }
+            for (int bin = binOf(band.low); bin < binOf(band.high); ++bin)
+                power += spectrum[std::size_t(bin)];
             band.powers.push_back(power);
         }
     }
