@@ -21,8 +21,10 @@ public:
         m_TypingPause.setSingleShot(true);
         connect(&m_TypingPause, &QTimer::timeout, this, [this]() { WriteFound(); });
         connect(box, &QComboBox::activated, this, [this](int index) { Chosen(index); });
-        box->view()->installEventFilter(this);
     }
+
+    // After construction: making the list sends events through the box.
+    void WatchList() { m_Box->view()->installEventFilter(this); }
 
     // Letters look for an item. Several may be needed ("15" on the way to "150"), so the write waits
     // for the pause after the last one.
@@ -174,6 +176,7 @@ private:
 VCComboBoxClassic::VCComboBoxClassic(QWidget* parent, const char* name, int)
     : QComboBox(parent), d(new VCComboBoxClassicPrivate(this))
 {
+    d->WatchList();
     setFocusPolicy(Qt::StrongFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     if (name) {
