@@ -6,7 +6,6 @@
 #include <cmath>
 #include <deque>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "receiver/values/quantity.h"
@@ -28,40 +27,30 @@ qint64 now()
     return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
 }
 
-// The content in the form that the kind is kept in: a float may come as an integer and the other
-// way round where nothing is lost. Empty: it does not fit.
-std::optional<Content> fitted(ValueKind kind, const Content& content)
+// Brings the content into the form that the kind is kept in: a float may come as an integer and the
+// other way round where nothing is lost. False: it does not fit.
+bool fit(ValueKind kind, Content& content)
 {
     switch (kind) {
         case ValueKind::Bool:
-            if (std::holds_alternative<bool>(content))
-                return content;
-            break;
+            return std::holds_alternative<bool>(content);
         case ValueKind::Float:
             if (const auto* integer = std::get_if<qint64>(&content))
-                return Content(double(*integer));
-            if (std::holds_alternative<double>(content))
-                return content;
-            break;
+                content = double(*integer);
+            return std::holds_alternative<double>(content);
         case ValueKind::Integer:
         case ValueKind::Selection:
-            if (std::holds_alternative<qint64>(content))
-                return content;
             if (const auto* number = std::get_if<double>(&content)) {
                 if (std::abs(*number) <= largestExactInteger && std::floor(*number) == *number)
-                    return Content(qint64(*number));
+                    content = qint64(*number);
             }
-            break;
+            return std::holds_alternative<qint64>(content);
         case ValueKind::Text:
-            if (std::holds_alternative<QString>(content))
-                return content;
-            break;
+            return std::holds_alternative<QString>(content);
         case ValueKind::Bearing:
-            if (std::holds_alternative<QByteArray>(content))
-                return content;
-            break;
+            return std::holds_alternative<QByteArray>(content);
     }
-    return std::nullopt;
+    return false;
 }
 
 Content emptyContent(ValueKind kind)
@@ -249,7 +238,7 @@ ValueId ValueStore::define(Link::Description description, Link::Content content,
     }
     auto entry = std::make_unique<Private::Entry>();
     description.id = ValueId(d->entries.size() + 1);
-    entry->content = fitted(description.kind, content).value_or(emptyContent(description.kind));
+    entry->content = fit(description.kind, content) ? std::move(content) : emptyContent(description.kind);
     entry->time = now();
     entry->authority = std::move(authority);
     entry->description = std::move(description);
@@ -337,17 +326,16 @@ void ValueStore::set(ValueId id, Link::Content content, qint64 time)
     Private::Entry* entry = d->entry(id);
     if (!entry)
         return;
-    std::optional<Content> next = fitted(entry->description.kind, content);
-    if (!next) {
+    if (!fit(entry->description.kind, content)) {
         qWarning().noquote() << "value store:" << entry->description.path
                              << expectation(entry->description.kind);
         return;
     }
     const bool laterMeasurement = time != 0 && time != entry->time;
-    const bool differs = !sameContent(entry->content, *next) || laterMeasurement;
+    const bool differs = !sameContent(entry->content, content) || laterMeasurement;
     if (!differs && !entry->description.event)
         return;
-    entry->content = std::move(*next);
+    entry->content = std::move(content);
     entry->time = time != 0 ? time : now();
     d->notify(Private::Change::Value, id);
 }
@@ -366,26 +354,24 @@ WriteResult ValueStore::write(ValueId id, Link::Content content, ClientId client
     Private::Entry* entry = d->entry(id);
     if (!entry)
         return refused(QStringLiteral("there is no such value"));
-    const std::optional<Content> typed = fitted(entry->description.kind, content);
-    if (!typed)
+    if (!fit(entry->description.kind, content))
         return refused(expectation(entry->description.kind));
     if (!entry->description.writable)
         return refused(QStringLiteral("can be read only"));
 
-    Content next = *typed;
-    const WriteResult range = checkRange(entry->description, next);
+    const WriteResult range = checkRange(entry->description, content);
     if (range.kind == Link::AnswerKind::Refused)
         return range;
     WriteResult result;
     if (entry->authority) {
         const Authority authority = entry->authority;  // may remove the value
-        result = authority(client, next);
+        result = authority(client, content);
     }
     if (result.kind == Link::AnswerKind::Refused)
         return result;
     if (result.kind == Link::AnswerKind::Accepted && range.kind == Link::AnswerKind::Clamped)
         result = range;
-    set(id, std::move(next));
+    set(id, std::move(content));
     return result;
 }
 
