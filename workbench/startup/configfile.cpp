@@ -5,7 +5,7 @@
 
 namespace {
 
-const qint64 maximumFileBytes = 1024 * 1024;
+const qint64 maximumFileBytes = 1 << 20;
 const int maximumPointsPerLine = 64;  // each point of a key name nests one table deeper
 
 // Points outside quotes and comments. A text over several lines counts as if it were names, which

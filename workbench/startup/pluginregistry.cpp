@@ -3,6 +3,7 @@
 #include <QLoggingCategory>
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "base/errorhandler.h"
 #include "startup/cfgcenter.h"
@@ -53,7 +54,7 @@ PluginRegistry& PluginRegistry::Instance()
 
 void PluginRegistry::SetFactory(const QString& fileName, Factory make)
 {
-    m_Factories.insert(fileName, std::move(make));
+    m_Factories[fileName] = std::move(make);
 }
 
 IDllInstance* PluginRegistry::CreateFromLibrary(const QString& fileName, const QString& argument,
