@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "receiver/dsp/engine.h"
-#include "receiver/dsp/pace.h"
 #include "receiver/sources/opensource.h"
 
 using namespace Receiver;
@@ -135,8 +134,6 @@ private slots:
     void channelNumbersThatDoNotExistAreIgnored();
     void signalsArriveInTheThreadThatMadeTheEngine();
     void reportsFollowTheClockInRealTime();
-    void threadWakesAtMostAHundredTimesASecond();
-    void streamThatFellFarBehindIsPutBackInStep();
     void timeStampsFollowTheSystemClock();
     void stopIsPromptAndNothingComesAfterIt();
     void engineIsDeletedFromItsOwnSignal();
@@ -330,30 +327,6 @@ void EngineTest::reportsFollowTheClockInRealTime()
         qPrintable(QString("%1 s of signal in %2 s").arg(listener.reports.last().position).arg(elapsed)));
     for (int i = 1; i < listener.reports.size(); ++i)
         QVERIFY(std::abs(listener.reports[i].position - listener.reports[i - 1].position - 0.05) < 1e-4);
-}
-
-void EngineTest::threadWakesAtMostAHundredTimesASecond()
-{
-    const Pace pace(1e6);
-    using std::chrono::milliseconds;
-    const auto begin = pace.due(0);
-    QVERIFY(pace.wakeFor(0) == begin);
-    QVERIFY(pace.wakeFor(1) == begin + milliseconds(10));
-    QVERIFY(pace.wakeFor(10000) == begin + milliseconds(10));
-    QVERIFY(pace.wakeFor(10001) == begin + milliseconds(20));
-    QVERIFY(pace.due(10001) <= pace.wakeFor(10001));
-}
-
-void EngineTest::streamThatFellFarBehindIsPutBackInStep()
-{
-    Pace pace(1000);
-    const auto before = pace.due(0);
-    QVERIFY(!pace.resume(60000));  // a minute early is nothing to mend
-    QVERIFY(pace.due(0) == before);
-    const auto now = Pace::Clock::now();
-    QVERIFY(pace.resume(-60000));  // a minute late
-    QVERIFY(pace.due(-60000) >= now);
-    QVERIFY(pace.due(0) >= now + std::chrono::seconds(60));
 }
 
 void EngineTest::timeStampsFollowTheSystemClock()
