@@ -21,13 +21,14 @@
 // What the tests of the module share: an application, noted traces, answered boxes, a client and
 // plug-ins that note every call.
 
-#define DDCGUI_TEST_MAIN(TestClass)              \
-    int main(int argc, char** argv)              \
-    {                                            \
-        KestApplication application(argc, argv); \
-        QTEST_SET_MAIN_SOURCE_PATH               \
-        TestClass test;                          \
-        return QTest::qExec(&test, argc, argv);  \
+#define DDCGUI_TEST_MAIN(TestClass)                                                 \
+    int main(int argc, char** argv)                                                 \
+    {                                                                               \
+        KestApplication application(argc, argv);                                    \
+        QApplication::setQuitOnLastWindowClosed(false); /* as the workbench does */ \
+        QTEST_SET_MAIN_SOURCE_PATH                                                  \
+        TestClass test;                                                             \
+        return QTest::qExec(&test, argc, argv);                                     \
     }
 
 // Collects traces and warnings while it lives.

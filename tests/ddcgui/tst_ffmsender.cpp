@@ -1,4 +1,5 @@
 #include <QHostInfo>
+#include <QLayout>
 #include <QToolBar>
 
 #include "tests/ddcgui/panelfixture.h"
