@@ -2,8 +2,10 @@
 
 #include <QVector>
 #include <QtGlobal>
+#include <cmath>
 
-// One picture of the spectrum as it came from the scan buffer. Levels in dBµV, finite.
+// One picture of the spectrum as it came from the scan buffer. Levels in dBµV; what is not finite is
+// an empty bin: nothing was measured there.
 struct ScanFrame
 {
     quint64 sequence = 0;            // counts up; a jump means frames that nobody saw
@@ -14,6 +16,13 @@ struct ScanFrame
     QVector<float> levels;
 
     bool isEmpty() const { return levels.isEmpty(); }
+
+    // It has bins, and they lie somewhere. Anything else is shown as nothing.
+    bool isValid() const
+    {
+        return !levels.isEmpty() && std::isfinite(start) && std::isfinite(step) && step > 0;
+    }
+
     double stop() const { return start + step * static_cast<double>(levels.size() - 1); }
 
     // Both pictures have the same bins, so that they may be compared bin by bin.
@@ -31,7 +40,7 @@ struct ScanRange
 
     double width() const { return stop - start; }
     double center() const { return (start + stop) / 2; }
-    bool isValid() const { return stop > start; }
+    bool isValid() const { return stop > start && std::isfinite(stop - start); }
     bool contains(double frequency) const { return frequency >= start && frequency <= stop; }
     bool operator==(const ScanRange& other) const { return start == other.start && stop == other.stop; }
 };

@@ -48,17 +48,22 @@ struct ScanScene
     ScanRange view;                    // Hz from the left to the right edge
     float levelMinimum = -20;          // dBµV at the bottom
     float levelMaximum = 80;           // at the top
+    int levelLabels = 0;               // labels aimed at beside the picture; 0: as many as fit well
     const ScanFrame* trace = nullptr;  // live trace; null: none yet
     const ScanFrame* maximumHold = nullptr;
     const ScanFrame* minimumHold = nullptr;
+    bool filled = true;  // the area below the mean is tinted
     ScanChannel channel;
     QVector<ScanMarker> markers;
     int selectedMarker = -1;  // also of the peak table's choice
     ScanHandle hovered = ScanHandle::None;
     bool cursorVisible = false;
     double cursorFrequency = 0;  // Hz
-    QString cursorText;          // "98.512 MHz  45.2 dBµV"
-    bool stale = false;          // what is drawn is old: grey
-    QString message;             // over the picture: why nothing (or nothing new) comes; empty: fine
-    bool focused = false;        // has the keyboard
+    // dBµV, the height of the cross; NaN: at the trace
+    float cursorLevel = std::numeric_limits<float>::quiet_NaN();
+    QString cursorText;    // "98.512 MHz  45.2 dBµV"
+    QString noticeText;    // in the upper left corner: "mean of 0.5 s"; empty: none
+    bool stale = false;    // what is drawn is old: grey
+    QString message;       // over the picture: why nothing (or nothing new) comes; empty: fine
+    bool focused = false;  // has the keyboard
 };
