@@ -16,7 +16,11 @@ enum class MessageType : int
     Batch = 8,
     Answer = 9,
     Heartbeat = 10,
-    Bye = 11
+    Bye = 11,
+    StreamRequest = 12,
+    StreamStart = 13,
+    ScanData = 14,
+    StreamReady = 15
 };
 
 namespace Keys {
@@ -57,6 +61,29 @@ constexpr int answerContent = 4;
 
 constexpr int heartbeatTime = 1;
 constexpr int byeReason = 1;
+
+constexpr int streamVersion = 1;  // of StreamRequest, StreamStart
+constexpr int requestKind = 2;
+constexpr int requestPath = 3;
+constexpr int requestPoints = 4;
+constexpr int requestFrameRate = 5;
+constexpr int requestWindow = 6;
+constexpr int requestDetector = 7;
+constexpr int requestAveraging = 8;
+
+constexpr int startUnacknowledged = 2;
+constexpr int startFrameRate = 3;
+constexpr int startWindow = 4;
+
+constexpr int scanSequence = 1;
+constexpr int scanTime = 2;
+constexpr int scanStart = 3;
+constexpr int scanStep = 4;
+constexpr int scanResolution = 5;
+constexpr int scanSkipped = 6;
+constexpr int scanLevels = 7;
+
+constexpr int readySequence = 1;
 
 constexpr int descriptionId = 1;
 constexpr int descriptionPath = 2;

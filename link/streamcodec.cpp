@@ -1,0 +1,203 @@
+#include "link/streamcodec.h"
+
+#include <QCborStreamWriter>
+#include <QtEndian>
+#include <climits>
+#include <cstring>
+
+#include "link/cborin.h"
+#include "link/limits.h"
+
+namespace Link {
+namespace {
+
+constexpr quint32 bit(int key)
+{
+    return 1u << key;
+}
+
+class Out
+{
+public:
+    explicit Out(MessageType type) : m_writer(&m_bytes)
+    {
+        m_writer.startMap();
+        put(Keys::type, int(type));
+    }
+
+    void put(int key, int value) { put(key, qint64(value)); }
+    void put(int key, quint32 value) { put(key, quint64(value)); }
+    void put(int key, const QString& value) { put(key, QStringView(value)); }
+    template <class T>
+    void put(int key, const T& value)
+    {
+        m_writer.append(key);
+        m_writer.append(value);
+    }
+
+    QByteArray finish()
+    {
+        m_writer.endMap();
+        return m_bytes;
+    }
+
+private:
+    QByteArray m_bytes;
+    QCborStreamWriter m_writer;
+};
+
+// Reads the rest of a message of type T: which keys are required, and where each content goes.
+template <class T, class Entry>
+Message read(CborIn& in, quint32 required, Entry entry)
+{
+    T message;
+    quint32 seen = bit(Keys::type);
+    while (in.more())
+        in.readEntry(seen, [&](int key) { return entry(message, key); });
+    in.leave();
+    in.checkRequired(required, seen);
+    in.finish();
+    return message;
+}
+
+// Reads one field when its key is the one at hand.
+#define RX_FIELD(KEY, EXPRESSION) \
+    if (key == (KEY)) {           \
+        EXPRESSION;               \
+        return true;              \
+    }
+
+StreamWindow readWindow(CborIn& in)
+{
+    return StreamWindow(in.unsignedInteger(quint64(StreamWindow::FlatTop)));
+}
+
+Message readRequest(CborIn& in)
+{
+    // Without further requirements: another version may have other fields.
+    return read<StreamRequest>(in, bit(Keys::streamVersion), [&in](StreamRequest& m, int key) {
+        RX_FIELD(Keys::streamVersion, m.version = int(in.unsignedInteger(INT_MAX)))
+        RX_FIELD(Keys::requestKind, m.kind = in.text(Limits::nameBytes))
+        RX_FIELD(Keys::requestPath, m.path = in.text())
+        RX_FIELD(Keys::requestPoints, m.points = quint32(in.unsignedInteger(UINT_MAX)))
+        RX_FIELD(Keys::requestFrameRate, m.frameRate = in.number())
+        RX_FIELD(Keys::requestWindow, m.window = readWindow(in))
+        RX_FIELD(Keys::requestDetector,
+                 m.detector = StreamDetector(in.unsignedInteger(quint64(StreamDetector::Maximum))))
+        RX_FIELD(Keys::requestAveraging, m.averagingSeconds = in.number())
+        return false;
+    });
+}
+
+Message readStart(CborIn& in)
+{
+    return read<StreamStart>(in, bit(Keys::streamVersion), [&in](StreamStart& m, int key) {
+        RX_FIELD(Keys::streamVersion, m.version = int(in.unsignedInteger(INT_MAX)))
+        RX_FIELD(Keys::startUnacknowledged, m.unacknowledged = quint32(in.unsignedInteger(UINT_MAX)))
+        RX_FIELD(Keys::startFrameRate, m.frameRate = in.number())
+        RX_FIELD(Keys::startWindow, m.window = readWindow(in))
+        return false;
+    });
+}
+
+Message readScan(CborIn& in)
+{
+    constexpr quint32 required = bit(Keys::scanSequence) | bit(Keys::scanTime) | bit(Keys::scanStart) |
+                                 bit(Keys::scanStep) | bit(Keys::scanResolution) | bit(Keys::scanLevels);
+    return read<ScanData>(in, required, [&in](ScanData& m, int key) {
+        RX_FIELD(Keys::scanSequence, m.sequence = in.unsignedInteger(UINT64_MAX))
+        RX_FIELD(Keys::scanTime, m.time = in.integer())
+        RX_FIELD(Keys::scanStart, m.start = in.number())
+        RX_FIELD(Keys::scanStep, m.step = in.number())
+        RX_FIELD(Keys::scanResolution, m.resolutionBandwidth = in.number())
+        RX_FIELD(Keys::scanSkipped, m.skipped = in.unsignedInteger(UINT64_MAX))
+        RX_FIELD(Keys::scanLevels, m.levels = in.bytes(Limits::scanPoints * qint64(sizeof(float))))
+        return false;
+    });
+}
+
+Message readReady(CborIn& in)
+{
+    return read<StreamReady>(in, bit(Keys::readySequence), [&in](StreamReady& m, int key) {
+        RX_FIELD(Keys::readySequence, m.sequence = in.unsignedInteger(UINT64_MAX))
+        return false;
+    });
+}
+
+#undef RX_FIELD
+
+}  // namespace
+
+QByteArray write(const StreamRequest& request)
+{
+    Out out(MessageType::StreamRequest);
+    out.put(Keys::streamVersion, request.version);
+    out.put(Keys::requestKind, request.kind);
+    out.put(Keys::requestPath, request.path);
+    out.put(Keys::requestPoints, request.points);
+    out.put(Keys::requestFrameRate, request.frameRate);
+    out.put(Keys::requestWindow, int(request.window));
+    out.put(Keys::requestDetector, int(request.detector));
+    out.put(Keys::requestAveraging, request.averagingSeconds);
+    return out.finish();
+}
+
+QByteArray write(const StreamStart& start)
+{
+    Out out(MessageType::StreamStart);
+    out.put(Keys::streamVersion, start.version);
+    out.put(Keys::startUnacknowledged, start.unacknowledged);
+    out.put(Keys::startFrameRate, start.frameRate);
+    out.put(Keys::startWindow, int(start.window));
+    return out.finish();
+}
+
+QByteArray write(const ScanData& data)
+{
+    Out out(MessageType::ScanData);
+    out.put(Keys::scanSequence, data.sequence);
+    out.put(Keys::scanTime, data.time);
+    out.put(Keys::scanStart, data.start);
+    out.put(Keys::scanStep, data.step);
+    out.put(Keys::scanResolution, data.resolutionBandwidth);
+    out.put(Keys::scanSkipped, data.skipped);
+    out.put(Keys::scanLevels, data.levels);
+    return out.finish();
+}
+
+QByteArray write(const StreamReady& ready)
+{
+    Out out(MessageType::StreamReady);
+    out.put(Keys::readySequence, ready.sequence);
+    return out.finish();
+}
+
+Message readStreamMessage(CborIn& in, MessageType type)
+{
+    switch (type) {
+        case MessageType::StreamRequest:
+            return readRequest(in);
+        case MessageType::StreamStart:
+            return readStart(in);
+        case MessageType::ScanData:
+            return readScan(in);
+        default:
+            return readReady(in);
+    }
+}
+
+QByteArray packLevels(const float* levels, int count)
+{
+    QByteArray bytes(qsizetype(count) * qsizetype(sizeof(float)), Qt::Uninitialized);
+    qToLittleEndian<quint32>(levels, count, bytes.data());
+    return bytes;
+}
+
+QVector<float> unpackLevels(const QByteArray& bytes)
+{
+    QVector<float> levels(bytes.size() / qsizetype(sizeof(float)));
+    qFromLittleEndian<quint32>(bytes.constData(), levels.size(), levels.data());
+    return levels;
+}
+
+}  // namespace Link
