@@ -3,10 +3,11 @@
 #include <QCborStreamWriter>
 #include <cmath>
 
-#include "link/batchcodec.h"
+#include "link/batchwriter.h"
 #include "link/cborin.h"
 #include "link/keys.h"
 #include "link/limits.h"
+#include "link/streamcodec.h"
 
 namespace Link {
 namespace {
@@ -520,15 +521,18 @@ Message readByType(CborIn& in, MessageType type)
 {
     if (type <= MessageType::Resync)
         return readFromClient(in, type);
-    return type <= MessageType::Answer ? readFromDriver(in, type) : readFromBoth(in, type);
+    if (type <= MessageType::Answer)
+        return readFromDriver(in, type);
+    return type <= MessageType::Bye ? readFromBoth(in, type) : readStreamMessage(in, type);
 }
 
 }  // namespace
 
 const char* name(const Message& message)
 {
-    static const char* const names[] = {"Hello",    "Hook",     "Release", "Write",  "Resync",    "Welcome",
-                                        "Snapshot", "Describe", "Batch",   "Answer", "Heartbeat", "Bye"};
+    static const char* const names[] = {
+        "Hello", "Hook",   "Release",   "Write", "Resync",        "Welcome",     "Snapshot", "Describe",
+        "Batch", "Answer", "Heartbeat", "Bye",   "StreamRequest", "StreamStart", "ScanData", "StreamReady"};
     static_assert(std::variant_size_v<Message> == sizeof names / sizeof *names);
     return names[message.index()];
 }
@@ -540,11 +544,6 @@ QByteArray encode(const Message& message)
 
 bool decode(const QByteArray& payload, Message* message, QString* error)
 {
-    Batch batch;
-    if (decodeBatchFast(payload, &batch)) {
-        *message = std::move(batch);
-        return true;
-    }
     CborIn in(payload);
     quint32 seen = 0;
     int type = -1;
@@ -554,7 +553,7 @@ bool decode(const QByteArray& payload, Message* message, QString* error)
         else
             type = int(in.unsignedInteger(INT_MAX));
     }
-    if (!in.failed() && type > int(MessageType::Bye))
+    if (!in.failed() && type > int(MessageType::StreamReady))
         in.fail(QStringLiteral("unknown message type %1").arg(type));
     if (!in.failed())
         *message = readByType(in, MessageType(type));

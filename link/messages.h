@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <variant>
 
+#include "link/streammessages.h"
+
 // What driver and workbench say to each other. Every message is one CBOR map with integer keys in
 // a frame of its own (framing.h); key 0 is the message type, unknown keys are ignored.
 namespace Link {
@@ -159,6 +161,6 @@ struct Bye
 };
 
 using Message = std::variant<Hello, Hook, Release, Write, Resync, Welcome, Snapshot, Describe, Batch, Answer,
-                             Heartbeat, Bye>;
+                             Heartbeat, Bye, StreamRequest, StreamStart, ScanData, StreamReady>;
 
 }  // namespace Link

@@ -1,6 +1,5 @@
 #include "tools/commandline.h"
 
-#include <QRegularExpression>
 #include <cmath>
 
 #include "link/messages.h"
@@ -158,21 +157,22 @@ bool takeWords(QStringList words, CommandLine* command, QString* error)
 bool parseCommandLine(const QStringList& arguments, const QString& defaultDriver, CommandLine* command,
                       QString* error)
 {
+    *command = CommandLine();
     bool help = false;
     QStringList words;
-    command->host = QStringLiteral("127.0.0.1");
-    command->port = Link::defaultPort;
     if (!splitArguments(arguments, &words, command, &help, error))
         return false;
     if (help) {
         command->verb = Verb::Help;
         return true;
     }
-    const bool given = arguments.contains(QStringLiteral("--driver")) ||
-                       arguments.indexOf(QRegularExpression(QStringLiteral("^--driver="))) >= 0;
-    if (!given && !defaultDriver.isEmpty() && !parseAddress(defaultDriver, command)) {
-        *error = QStringLiteral("RX_DRIVER expects HOST:PORT, not \"%1\"").arg(defaultDriver);
-        return false;
+    if (command->host.isEmpty()) {
+        command->host = QStringLiteral("127.0.0.1");
+        command->port = Link::defaultPort;
+        if (!defaultDriver.isEmpty() && !parseAddress(defaultDriver, command)) {
+            *error = QStringLiteral("RX_DRIVER expects HOST:PORT, not \"%1\"").arg(defaultDriver);
+            return false;
+        }
     }
     if (!takeWords(words, command, error))
         return false;

@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <algorithm>
 
-#include "link/batchcodec.h"
+#include "link/batchwriter.h"
 #include "link/codec.h"
 #include "link/limits.h"
 

@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "codecsamples.h"
-#include "link/batchcodec.h"
 #include "link/codec.h"
 #include "link/limits.h"
 
@@ -102,8 +101,6 @@ private slots:
     void whatFitsIsAccepted_data();
     void whatFitsIsAccepted();
     void unknownKeysAreSkippedWhateverTheyHold();
-    void aBatchReadsTheSameByBothReaders();
-    void theFastReaderLeavesUnusualFormsToTheGeneralOne();
     void aLongTextIsCutAtAWholeCharacter();
     void estimatesAreUpperBounds();
 };
@@ -396,42 +393,6 @@ void TestCodec::unknownKeysAreSkippedWhateverTheyHold()
     QString error;
     QVERIFY2(decode(payload, &message, &error), qPrintable(error));
     QCOMPARE(dumped(message), dumped(Message(Write{11, 12, 1.5})));
-}
-
-void TestCodec::aBatchReadsTheSameByBothReaders()
-{
-    int fast = 0;
-    for (const Message& message : sampleMessages()) {
-        const Batch* batch = std::get_if<Batch>(&message);
-        if (!batch)
-            continue;
-        Batch read;
-        if (!decodeBatchFast(encode(message), &read))
-            continue;
-        ++fast;
-        QCOMPARE(dumped(Message(read)), dumped(message));
-        // An unknown key behind the others sends it to the general reader.
-        QByteArray payload = encode(message);
-        payload[0] = char(payload.at(0) + 1);
-        payload.append(raw("181e00"));
-        QVERIFY(!decodeBatchFast(payload, &read));
-        Message general;
-        QString error;
-        QVERIFY2(decode(payload, &general, &error), qPrintable(error));
-        QCOMPARE(dumped(general), dumped(message));
-    }
-    QCOMPARE(fast, 2);
-}
-
-void TestCodec::theFastReaderLeavesUnusualFormsToTheGeneralOne()
-{
-    const QByteArray unusual = raw("bf 0008 0101 0201 05 9f 84 0100 00 f93c00 ff ff");
-    Batch batch;
-    QVERIFY(!decodeBatchFast(unusual, &batch));
-    Message message;
-    QString error;
-    QVERIFY2(decode(unusual, &message, &error), qPrintable(error));
-    QCOMPARE(dumped(message), dumped(Message(Batch{1, 1, 0, 0, {{1, 0, ValueStatus::Usable, 1.0}}})));
 }
 
 void TestCodec::aLongTextIsCutAtAWholeCharacter()
