@@ -40,7 +40,7 @@ void ConnectionBoxesTest::cleanup()
 // The question comes after 35 s; three operators wait for it side by side.
 void ConnectionBoxesTest::asksOnceWhetherToWaitLonger()
 {
-    constexpr int questionMs = 35000 + patienceMs;
+    const int questionMs = 35000 + patienceMs;
     constexpr double never = 3600;
     WindowSetup setup;
     setup.connectionTimeout = never;

@@ -164,7 +164,9 @@ void RxStationTest::usesARunningDriverAndLeavesItRunning()
 void RxStationTest::showsSeveralWindowsOnOneDriver()
 {
     Run run;
-    const QString second = run.station.writeConfiguration({"DDC2"}, run.station.folder() + "/pilot2");
+    WindowSetup forDdc2;
+    forDdc2.ddc = "DDC2";
+    const QString second = run.station.writeConfiguration(forDdc2, run.station.folder() + "/pilot2");
     QVERIFY(run.start({"--config", second}));
     Pilot other(run.station.folder() + "/pilot2");
     QVERIFY2(run.pilot.reach(patienceMs) && other.reach(patienceMs), qPrintable(run.launcher.output()));

@@ -19,6 +19,9 @@ const char* const sanitizerMarks[] = {"ERROR: AddressSanitizer", "ERROR: LeakSan
 
 }  // namespace
 
+const int patienceMs =
+    qEnvironmentVariableIsSet("RX_PATIENCE_MS") ? qEnvironmentVariableIntValue("RX_PATIENCE_MS") : 60000;
+
 bool until(const std::function<bool()>& condition, int milliseconds)
 {
     return QTest::qWaitFor(condition, milliseconds);

@@ -8,7 +8,9 @@
 
 namespace RxTest {
 
-constexpr int patienceMs = 60000;  // of conditions; generous, since the machine may be busy
+// How long conditions are waited for; generous, since the machine may be busy. RX_PATIENCE_MS in the
+// environment shortens it for somebody who looks for a fault.
+extern const int patienceMs;
 
 // Runs the event loop until the condition holds. False when it does not in time.
 bool until(const std::function<bool()>& condition, int milliseconds = patienceMs);

@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTemporaryDir>
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void savesEveryWindowOnceItHasSettledAndAtTheEnd();
     void savesADialogThatRunsItsOwnLoop();
     void savesAWindowThatGoesBeforeItSettled();
+    void leavesOutWhatMovesIntoAnotherWindow();
     void leavesMenusOut();
     void refusesAFolderThatCannotBeWritten();
 };
@@ -70,8 +72,25 @@ void ShotsTest::savesAWindowThatGoesBeforeItSettled()
     QLabel window("text");
     window.setObjectName("Short Lived");
     window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
     window.hide();
     QCOMPARE(picturesIn(folder), QStringList{"01-short-lived.png"});
+}
+
+void ShotsTest::leavesOutWhatMovesIntoAnotherWindow()
+{
+    QTemporaryDir folder;
+    Shots shots;
+    QString error;
+    QVERIFY(shots.open(folder.path(), &error));
+    QMainWindow window;
+    window.setWindowTitle("outer");
+    auto* frame = new QFrame;
+    frame->setObjectName("inner");
+    frame->show();
+    window.setCentralWidget(frame);
+    window.show();
+    QTRY_COMPARE(picturesIn(folder), QStringList{"01-outer.png"});
 }
 
 void ShotsTest::leavesMenusOut()

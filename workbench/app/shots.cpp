@@ -72,28 +72,33 @@ bool Shots::eventFilter(QObject* watched, QEvent* event)
     auto* widget = static_cast<QWidget*>(watched);
     if (event->type() == QEvent::Show && !event->spontaneous() && isPictured(widget)) {
         appeared(widget);
-    } else if (event->type() == QEvent::Close || event->type() == QEvent::Hide) {
-        // Before it is gone: a splash screen may live shorter than it takes to settle.
-        if (m_names.contains(widget) && !m_settled.value(widget) && !event->spontaneous()) {
-            save(widget, QString());
-        }
+        return false;
+    }
+    const auto seen = m_seen.find(widget);
+    if (seen == m_seen.end()) {
+        return false;
+    }
+    if (event->type() == QEvent::Paint) {
+        seen->painted = true;
+    } else if (event->type() == QEvent::Hide && !event->spontaneous() && seen->painted && !seen->saved) {
+        // A splash screen may live shorter than it takes to settle. What was never painted was on no
+        // screen: a widget on its way into another one.
+        save(widget, QString());
     }
     return false;
 }
 
 void Shots::appeared(QWidget* window)
 {
-    if (!m_names.contains(window)) {
-        m_names.insert(window, QString());
-        connect(window, &QObject::destroyed, this, [this, window] {
-            m_names.remove(window);
-            m_settled.remove(window);
-        });
+    if (!m_seen.contains(window)) {
+        connect(window, &QObject::destroyed, this, [this](QObject* gone) { m_seen.remove(gone); });
     }
-    m_settled.insert(window, false);
+    Seen& seen = m_seen[window];
+    seen.painted = false;
+    seen.saved = false;
     const QPointer<QWidget> guarded(window);
     QTimer::singleShot(settleMs, this, [this, guarded] {
-        if (guarded && guarded->isVisible() && !m_settled.value(guarded)) {
+        if (guarded && guarded->isVisible() && isPictured(guarded) && !m_seen[guarded].saved) {
             save(guarded, QString());
         }
     });
@@ -101,12 +106,13 @@ void Shots::appeared(QWidget* window)
 
 void Shots::save(QWidget* window, const QString& suffix)
 {
-    QString& name = m_names[window];
-    if (name.isEmpty()) {
-        name = QString("%1-%2").arg(++m_count, 2, 10, QLatin1Char('0')).arg(nameOf(window));
+    // Drawing the picture paints the window, which comes back here through the filter.
+    Seen& seen = m_seen[window];
+    if (seen.name.isEmpty()) {
+        seen.name = QString("%1-%2").arg(++m_count, 2, 10, QLatin1Char('0')).arg(nameOf(window));
     }
-    m_settled.insert(window, true);
-    const QString file = QString("%1/%2%3.png").arg(m_folder, name, suffix);
+    seen.saved = true;
+    const QString file = QString("%1/%2%3.png").arg(m_folder, seen.name, suffix);
     if (window->grab().save(file)) {
         qCInfo(lcShots).noquote() << "saved" << file;
     } else {

@@ -25,7 +25,13 @@ private:
     void save(QWidget* window, const QString& suffix);
 
     QString m_folder;
-    QHash<QWidget*, QString> m_names;  // of the windows that are watched
-    QHash<QWidget*, bool> m_settled;   // a first picture was taken
+    struct Seen
+    {
+        QString name;          // empty before the first picture
+        bool painted = false;  // has been on the screen since it was shown last
+        bool saved = false;    // since then
+    };
+
+    QHash<QObject*, Seen> m_seen;  // windows that were shown
     int m_count = 0;
 };

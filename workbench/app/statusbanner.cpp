@@ -80,8 +80,6 @@ void StatusBanner::setMainWidget(QWidget* widget)
     setParent(widget);  // hides it
     if (widget != nullptr) {
         widget->installEventFilter(this);
-        // The main widget may be destroyed by its plug-in; the banner stays with the application.
-        connect(widget, &QObject::destroyed, this, [this] { hide(); });
     }
     refresh();
 }

@@ -59,7 +59,7 @@ private:
     std::unique_ptr<OperatorWrites> m_writes;
     QPointer<StatusBanner> m_banner;  // belongs to the main widget while it lies over it
     QTimer m_shownCheck;
-    int m_attempts = 0;  // that failed since the driver was lost
+    int m_attempts = 0;    // that failed since the driver was lost
     bool m_shown = false;  // the main widget has been seen
     bool m_ending = false;
     bool m_everConnected = false;
