@@ -198,6 +198,8 @@ QBoxLayout* DdcGuiMain::CreateHeaderRow(QFrame* frame)
             label->setMinimumWidth(items[i].minimumWidth);
         if (items[i].maximumWidth != free)
             label->setMaximumWidth(items[i].maximumWidth);
+        // As high as its text: the height of the window belongs to the panels.
+        label->setSizePolicy(label->sizePolicy().horizontalPolicy(), QSizePolicy::Maximum);
         row->addWidget(label);
 
         if (i == rangeItem)

@@ -197,6 +197,14 @@ private slots:
         QCOMPARE(frame->layout()->itemAt(1)->widget(), static_cast<QWidget*>(Panel()));
     }
 
+    void headerRowIsNoHigherThanItsText()
+    {
+        m_Window->Start("/RX1", "", "DDC1");
+        QVERIFY(QTest::qWaitForWindowExposed(m_Window.data()));
+        const QLabel* range = m_Window->findChild<QLabel*>("Valid Range");
+        QTRY_VERIFY(range->height() > 0 && range->height() <= range->sizeHint().height());
+    }
+
     void modeLabelFollowsTheDriversMode()
     {
         m_Window->Start("/RX1", "", "DDC1");
