@@ -5,20 +5,13 @@
 
 #include "link/batchwriter.h"
 #include "link/cborin.h"
+#include "link/cborout.h"
 #include "link/keys.h"
 #include "link/limits.h"
 #include "link/streamcodec.h"
 
 namespace Link {
 namespace {
-
-template <class... Ts>
-struct Overloaded : Ts...
-{
-    using Ts::operator()...;
-};
-template <class... Ts>
-Overloaded(Ts...) -> Overloaded<Ts...>;
 
 constexpr quint32 bit(int key)
 {
@@ -27,64 +20,7 @@ constexpr quint32 bit(int key)
 
 // --- writing ------------------------------------------------------------------------------------
 
-class Out
-{
-public:
-    explicit Out(MessageType type) : m_writer(&m_bytes)
-    {
-        m_writer.startMap();
-        number(Keys::type, qint64(type));
-    }
-
-    QCborStreamWriter& writer() { return m_writer; }
-
-    void key(int key) { m_writer.append(key); }
-    void number(int key, qint64 value)
-    {
-        m_writer.append(key);
-        m_writer.append(value);
-    }
-    void number(int key, quint64 value)
-    {
-        m_writer.append(key);
-        m_writer.append(value);
-    }
-    void number(int key, quint32 value) { number(key, quint64(value)); }
-    void flag(int key, bool value)
-    {
-        m_writer.append(key);
-        m_writer.append(value);
-    }
-    void text(int key, const QString& value)
-    {
-        m_writer.append(key);
-        m_writer.append(QStringView(value));
-    }
-    void bytes(int key, const QByteArray& value)
-    {
-        m_writer.append(key);
-        m_writer.append(value);
-    }
-    void content(const Content& content)
-    {
-        std::visit(Overloaded{[this](std::monostate) { m_writer.append(nullptr); },
-                              [this](const QString& text) { m_writer.append(QStringView(text)); },
-                              [this](const auto& other) { m_writer.append(other); }},
-                   content);
-    }
-
-    QByteArray finish()
-    {
-        m_writer.endMap();
-        return m_bytes;
-    }
-
-private:
-    QByteArray m_bytes;
-    QCborStreamWriter m_writer;
-};
-
-void writeItems(Out& out, const QVector<Item>& items)
+void writeItems(CborOut& out, const QVector<Item>& items)
 {
     QCborStreamWriter& writer = out.writer();
     out.key(Keys::descriptionItems);
@@ -100,7 +36,7 @@ void writeItems(Out& out, const QVector<Item>& items)
 }
 
 // Leaves out what has its default.
-void writeDescription(Out& out, const Description& description)
+void writeDescription(CborOut& out, const Description& description)
 {
     QCborStreamWriter& writer = out.writer();
     writer.startMap();
@@ -131,7 +67,7 @@ void writeDescription(Out& out, const Description& description)
     writer.endMap();
 }
 
-void writeDescriptions(Out& out, int key, const QVector<Description>& descriptions)
+void writeDescriptions(CborOut& out, int key, const QVector<Description>& descriptions)
 {
     out.key(key);
     out.writer().startArray(quint64(descriptions.size()));
@@ -141,7 +77,7 @@ void writeDescriptions(Out& out, int key, const QVector<Description>& descriptio
 }
 
 // Times travel as differences: values of one moment then take one byte for it.
-void writeUpdates(Out& out, int key, const QVector<Update>& updates)
+void writeUpdates(CborOut& out, int key, const QVector<Update>& updates)
 {
     QCborStreamWriter& writer = out.writer();
     out.key(key);
@@ -161,7 +97,7 @@ void writeUpdates(Out& out, int key, const QVector<Update>& updates)
 
 QByteArray write(const Hello& hello)
 {
-    Out out(MessageType::Hello);
+    CborOut out(MessageType::Hello);
     out.number(Keys::helloVersion, qint64(hello.version));
     out.text(Keys::helloClient, hello.client);
     out.bytes(Keys::helloSession, hello.session);
@@ -170,7 +106,7 @@ QByteArray write(const Hello& hello)
 
 QByteArray write(const Hook& hook)
 {
-    Out out(MessageType::Hook);
+    CborOut out(MessageType::Hook);
     out.number(Keys::number, hook.number);
     out.text(Keys::hookPath, hook.path);
     return out.finish();
@@ -178,14 +114,14 @@ QByteArray write(const Hook& hook)
 
 QByteArray write(const Release& release)
 {
-    Out out(MessageType::Release);
+    CborOut out(MessageType::Release);
     out.number(Keys::number, release.number);
     return out.finish();
 }
 
 QByteArray write(const Write& write)
 {
-    Out out(MessageType::Write);
+    CborOut out(MessageType::Write);
     out.number(Keys::number, write.number);
     out.number(Keys::writeId, write.id);
     out.key(Keys::writeContent);
@@ -195,12 +131,12 @@ QByteArray write(const Write& write)
 
 QByteArray write(const Resync&)
 {
-    return Out(MessageType::Resync).finish();
+    return CborOut(MessageType::Resync).finish();
 }
 
 QByteArray write(const Welcome& welcome)
 {
-    Out out(MessageType::Welcome);
+    CborOut out(MessageType::Welcome);
     out.number(Keys::welcomeVersion, qint64(welcome.version));
     out.number(Keys::welcomeEpoch, welcome.epoch);
     out.text(Keys::welcomeDriver, welcome.driver);
@@ -210,7 +146,7 @@ QByteArray write(const Welcome& welcome)
 
 QByteArray write(const Snapshot& snapshot)
 {
-    Out out(MessageType::Snapshot);
+    CborOut out(MessageType::Snapshot);
     out.number(Keys::snapshotHook, snapshot.hook);
     out.flag(Keys::snapshotLast, snapshot.last);
     writeDescriptions(out, Keys::snapshotDescriptions, snapshot.descriptions);
@@ -220,7 +156,7 @@ QByteArray write(const Snapshot& snapshot)
 
 QByteArray write(const Describe& describe)
 {
-    Out out(MessageType::Describe);
+    CborOut out(MessageType::Describe);
     writeDescriptions(out, Keys::describeDescriptions, describe.descriptions);
     out.key(Keys::describeRemoved);
     out.writer().startArray(quint64(describe.removed.size()));
@@ -240,7 +176,7 @@ QByteArray write(const Batch& batch)
 
 QByteArray write(const Answer& answer)
 {
-    Out out(MessageType::Answer);
+    CborOut out(MessageType::Answer);
     out.number(Keys::number, answer.number);
     out.number(Keys::answerKind, qint64(answer.kind));
     out.text(Keys::answerReason, answer.reason);
@@ -251,14 +187,14 @@ QByteArray write(const Answer& answer)
 
 QByteArray write(const Heartbeat& heartbeat)
 {
-    Out out(MessageType::Heartbeat);
+    CborOut out(MessageType::Heartbeat);
     out.number(Keys::heartbeatTime, heartbeat.time);
     return out.finish();
 }
 
 QByteArray write(const Bye& bye)
 {
-    Out out(MessageType::Bye);
+    CborOut out(MessageType::Bye);
     out.text(Keys::byeReason, bye.reason);
     return out.finish();
 }

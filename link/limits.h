@@ -20,7 +20,7 @@ constexpr int chunkUpdates = 8192;          // values in one frame of a snapshot
 constexpr int pendingEvents = 1024;         // events waiting for one reader; the oldest are dropped
 constexpr int hooksPerConnection = 64;
 constexpr int connections = 32;
-constexpr int scanPoints = 131072;          // levels in one frame of a spectrum
+constexpr int scanPoints = 131072;  // levels in one frame of a spectrum
 constexpr int streamConnections = 16;
 
 }  // namespace Link::Limits

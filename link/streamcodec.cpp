@@ -1,11 +1,10 @@
 #include "link/streamcodec.h"
 
-#include <QCborStreamWriter>
 #include <QtEndian>
 #include <climits>
-#include <cstring>
 
 #include "link/cborin.h"
+#include "link/cborout.h"
 #include "link/limits.h"
 
 namespace Link {
@@ -15,36 +14,6 @@ constexpr quint32 bit(int key)
 {
     return 1u << key;
 }
-
-class Out
-{
-public:
-    explicit Out(MessageType type) : m_writer(&m_bytes)
-    {
-        m_writer.startMap();
-        put(Keys::type, int(type));
-    }
-
-    void put(int key, int value) { put(key, qint64(value)); }
-    void put(int key, quint32 value) { put(key, quint64(value)); }
-    void put(int key, const QString& value) { put(key, QStringView(value)); }
-    template <class T>
-    void put(int key, const T& value)
-    {
-        m_writer.append(key);
-        m_writer.append(value);
-    }
-
-    QByteArray finish()
-    {
-        m_writer.endMap();
-        return m_bytes;
-    }
-
-private:
-    QByteArray m_bytes;
-    QCborStreamWriter m_writer;
-};
 
 // Reads the rest of a message of type T: which keys are required, and where each content goes.
 template <class T, class Entry>
@@ -130,45 +99,45 @@ Message readReady(CborIn& in)
 
 QByteArray write(const StreamRequest& request)
 {
-    Out out(MessageType::StreamRequest);
-    out.put(Keys::streamVersion, request.version);
-    out.put(Keys::requestKind, request.kind);
-    out.put(Keys::requestPath, request.path);
-    out.put(Keys::requestPoints, request.points);
-    out.put(Keys::requestFrameRate, request.frameRate);
-    out.put(Keys::requestWindow, int(request.window));
-    out.put(Keys::requestDetector, int(request.detector));
-    out.put(Keys::requestAveraging, request.averagingSeconds);
+    CborOut out(MessageType::StreamRequest);
+    out.number(Keys::streamVersion, qint64(request.version));
+    out.text(Keys::requestKind, request.kind);
+    out.text(Keys::requestPath, request.path);
+    out.number(Keys::requestPoints, request.points);
+    out.real(Keys::requestFrameRate, request.frameRate);
+    out.number(Keys::requestWindow, qint64(request.window));
+    out.number(Keys::requestDetector, qint64(request.detector));
+    out.real(Keys::requestAveraging, request.averagingSeconds);
     return out.finish();
 }
 
 QByteArray write(const StreamStart& start)
 {
-    Out out(MessageType::StreamStart);
-    out.put(Keys::streamVersion, start.version);
-    out.put(Keys::startUnacknowledged, start.unacknowledged);
-    out.put(Keys::startFrameRate, start.frameRate);
-    out.put(Keys::startWindow, int(start.window));
+    CborOut out(MessageType::StreamStart);
+    out.number(Keys::streamVersion, qint64(start.version));
+    out.number(Keys::startUnacknowledged, start.unacknowledged);
+    out.real(Keys::startFrameRate, start.frameRate);
+    out.number(Keys::startWindow, qint64(start.window));
     return out.finish();
 }
 
 QByteArray write(const ScanData& data)
 {
-    Out out(MessageType::ScanData);
-    out.put(Keys::scanSequence, data.sequence);
-    out.put(Keys::scanTime, data.time);
-    out.put(Keys::scanStart, data.start);
-    out.put(Keys::scanStep, data.step);
-    out.put(Keys::scanResolution, data.resolutionBandwidth);
-    out.put(Keys::scanSkipped, data.skipped);
-    out.put(Keys::scanLevels, data.levels);
+    CborOut out(MessageType::ScanData);
+    out.number(Keys::scanSequence, data.sequence);
+    out.number(Keys::scanTime, data.time);
+    out.real(Keys::scanStart, data.start);
+    out.real(Keys::scanStep, data.step);
+    out.real(Keys::scanResolution, data.resolutionBandwidth);
+    out.number(Keys::scanSkipped, data.skipped);
+    out.bytes(Keys::scanLevels, data.levels);
     return out.finish();
 }
 
 QByteArray write(const StreamReady& ready)
 {
-    Out out(MessageType::StreamReady);
-    out.put(Keys::readySequence, ready.sequence);
+    CborOut out(MessageType::StreamReady);
+    out.number(Keys::readySequence, ready.sequence);
     return out.finish();
 }
 

@@ -102,6 +102,21 @@ struct Dumper
     void operator()(const Answer& m) { out << m.number << int(m.kind) << m.reason << dumped(m.content); }
     void operator()(const Heartbeat& m) { out << m.time; }
     void operator()(const Bye& m) { out << m.reason; }
+    void operator()(const StreamRequest& m)
+    {
+        out << m.version << m.kind << m.path << m.points << dumped(m.frameRate) << int(m.window)
+            << int(m.detector) << dumped(m.averagingSeconds);
+    }
+    void operator()(const StreamStart& m)
+    {
+        out << m.version << m.unacknowledged << dumped(m.frameRate) << int(m.window);
+    }
+    void operator()(const ScanData& m)
+    {
+        out << m.sequence << m.time << dumped(m.start) << dumped(m.step) << dumped(m.resolutionBandwidth)
+            << m.skipped << m.levels;
+    }
+    void operator()(const StreamReady& m) { out << m.sequence; }
 };
 
 }  // namespace
@@ -128,6 +143,14 @@ QVector<Message> sampleMessages()
     messages.append(Answer{9, AnswerKind::Refused, QStringLiteral("taken"), std::monostate()});
     messages.append(Heartbeat{-5});
     messages.append(Bye{QStringLiteral("the driver ends")});
+    messages.append(StreamRequest{1, spectrumStream(), QStringLiteral("/RX1"), 131072, 59.94, 0.3,
+                                  StreamWindow::FlatTop, StreamDetector::Maximum});
+    messages.append(StreamStart{1, 2, 25, StreamWindow::Hann});
+    const float levels[] = {-200.0f, 0.0f, 79.95f};
+    messages.append(
+        ScanData{UINT64_MAX, 1777777777123456, 95.5e6, 610.3515625, 1223.1, 7, packLevels(levels, 3)});
+    messages.append(ScanData{1, -1, -1e6, -0.0, 0, 0, {}});
+    messages.append(StreamReady{UINT64_MAX});
     return messages;
 }
 

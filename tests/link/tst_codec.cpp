@@ -150,7 +150,7 @@ void TestCodec::whatDoesNotFitIsRefusedWithAReason_data()
     row("the type not first", raw("a201010003"), "must begin with its type");
     row("a text as type", raw("a10061 61"), "an integer that is not negative expected");
     row("a negative type", raw("a10020"), "an integer that is not negative expected");
-    row("an unknown type", raw("a1000c"), "unknown message type 12");
+    row("an unknown type", raw("a10010"), "unknown message type 16");
     row("a huge type", raw("a1001bffffffffffffffff"), "is more than");
     row("text keys",
         messageOf(10,
