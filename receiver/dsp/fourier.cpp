@@ -14,7 +14,7 @@ struct Fourier::Plan
 
 namespace {
 
-constexpr double planSecondsMaximum = 1.0;  // then the best plan found so far is taken
+constexpr double planSecondsMaximum = 0.2;  // then the best plan found so far is taken: a start must not wait
 
 // The planner keeps what it learnt in one place for the whole process.
 std::mutex& plannerMutex()
