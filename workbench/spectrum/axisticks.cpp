@@ -5,6 +5,10 @@
 
 namespace {
 
+constexpr int mostLabels = 200;
+constexpr int mostDecimals = 12;
+constexpr double smallestRange = 1e-9;
+
 struct Prefix
 {
     double factor;
@@ -13,6 +17,8 @@ struct Prefix
 
 Prefix prefixFor(double magnitude)
 {
+    if (magnitude >= 1e12)
+        return {1e12, "T"};
     if (magnitude >= 1e9)
         return {1e9, "G"};
     if (magnitude >= 1e6)
@@ -35,7 +41,7 @@ double roundStep(double raw)
 
 int decimalsFor(double step)
 {
-    return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, 12);
+    return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, mostDecimals);
 }
 
 // Minor ticks split a step of 1 or 5 in five and one of 2 in four.
@@ -53,11 +59,12 @@ AxisTicks AxisTicks::between(double start, double stop, int wanted, const QStrin
     result.unit = unit;
     const double low = std::min(start, stop);
     const double high = std::max(start, stop);
-    if (!std::isfinite(low) || !std::isfinite(high) || !(high > low) || wanted < 1)
+    if (!std::isfinite(high - low) || !(high > low) || wanted < 1)
         return result;
+    wanted = std::min(wanted, mostLabels);
     const double magnitude = std::max(std::abs(low), std::abs(high));
-    // Beyond what a double tells apart there is nothing to mark.
-    if ((high - low) < magnitude * 1e-13)
+    // Beyond what a double or the decimals of a label tell apart there is nothing to mark.
+    if (high - low < magnitude * 1e-12 || high - low < smallestRange)
         return result;
 
     const Prefix prefix = prefixes ? prefixFor(magnitude) : Prefix{1, ""};
@@ -86,8 +93,12 @@ QString siText(double value, double resolution, const QString& unit)
 {
     if (!std::isfinite(value))
         return QStringLiteral("---");
-    const Prefix prefix = prefixFor(std::abs(value));
-    const double fine = resolution > 0 ? resolution / prefix.factor : 1;
-    QString number = QString::number(value / prefix.factor, 'f', decimalsFor(roundStep(fine)));
+    // Rounded first: 999.9996 kHz to the nearest hertz is 1 MHz, not 1000.000 kHz.
+    const bool known = resolution > 0 && std::isfinite(resolution);
+    const double least = known ? std::pow(10.0, std::floor(std::log10(resolution) + 1e-9)) : 1;
+    const double rounded = std::isfinite(value / least) ? std::round(value / least) * least : value;
+    const Prefix prefix = prefixFor(std::abs(rounded));
+    const QString number =
+        QString::number(rounded / prefix.factor + 0.0, 'f', decimalsFor(least / prefix.factor));
     return number + QLatin1Char(' ') + QString::fromLatin1(prefix.text) + unit;
 }

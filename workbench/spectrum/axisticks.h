@@ -17,10 +17,12 @@ struct AxisTicks
     QVector<AxisTick> ticks;  // ascending
     QString unit;             // of all labels: "MHz"
 
-    // About `wanted` labelled ticks between `start` and `stop` (either order; equal or not finite:
-    // none). `prefixes` scales by k, M, G where the numbers are large; levels take none.
+    // About `wanted` labelled ticks, at most 200, between `start` and `stop` (either order; equal, not
+    // finite or too close to tell apart: none). `prefixes` scales by k, M, G, T where the numbers are
+    // large; levels take none.
     static AxisTicks between(double start, double stop, int wanted, const QString& unit, bool prefixes);
 };
 
-// A number for people: "98.512 5 MHz" has its prefix by size and `resolution` decides the decimals.
+// A number for people: "98.5125 MHz" has its prefix by size, and `resolution` decides the decimals:
+// those of its first digit. Not finite: "---".
 QString siText(double value, double resolution, const QString& unit);

@@ -29,7 +29,6 @@ public:
     const ScanFrame* minimum() const;
 
 private:
-    void begin(const ScanFrame& frame);
     void average(const ScanFrame& frame);
     double share(qint64 time);
 

@@ -3,80 +3,108 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#include <limits>
+
+#include "spectrum/devicespace.h"
+#include "spectrum/levelpower.h"
 
 namespace {
 
 // Where a row has nothing to show.
 constexpr QRgb emptyColor = 0xff000000;
 
-// The highest level of every column; what a waterfall is looked at for are the signals.
-void columnMaxima(const ScanFrame& frame, const ScanRange& view, QVector<float>& columns)
+constexpr int mostRows = 8192;
+
+// The frame with at most WaterfallHistory::mostLevels bins, each the highest of those it stands for
+// and in their middle.
+ScanFrame reduced(const ScanFrame& frame)
 {
-    const int width = static_cast<int>(columns.size());
     const int count = static_cast<int>(frame.levels.size());
-    const float* levels = frame.levels.constData();
-    const double binsPerColumn = view.width() / width / frame.step;
-    const double first = (view.start - frame.start) / frame.step;
-    for (int x = 0; x < width; ++x) {
-        const double edge = first + x * binsPerColumn;
-        const double next = edge + binsPerColumn;
-        const int begin = static_cast<int>(std::clamp(std::ceil(edge), 0.0, static_cast<double>(count)));
-        const int end = static_cast<int>(std::clamp(std::ceil(next), 0.0, static_cast<double>(count)));
-        if (end > begin) {
-            columns[x] = *std::max_element(levels + begin, levels + end);
-        } else {
-            const double nearest = std::round((edge + next) / 2);
-            columns[x] = nearest >= 0 && nearest < count ? levels[static_cast<int>(nearest)]
-                                                         : std::numeric_limits<float>::quiet_NaN();
+    if (count <= WaterfallHistory::mostLevels)
+        return frame;
+    const int group = (count + WaterfallHistory::mostLevels - 1) / WaterfallHistory::mostLevels;
+    ScanFrame result = frame;
+    result.start = frame.start + frame.step * (group - 1) / 2;
+    result.step = frame.step * group;
+    result.levels = QVector<float>((count + group - 1) / group, LevelPower::none);
+    for (int i = 0; i < result.levels.size(); ++i) {
+        const int end = std::min(count, (i + 1) * group);
+        float& highest = result.levels[i];
+        for (int bin = i * group; bin < end; ++bin) {
+            const float level = frame.levels[bin];
+            if (LevelPower::isLevel(level) && !(level <= highest))
+                highest = level;
         }
     }
+    return result;
+}
+
+qint64 bytesOf(const ScanFrame& frame)
+{
+    return frame.levels.size() * static_cast<qint64>(sizeof(float));
 }
 
 }  // namespace
 
-WaterfallHistory::WaterfallHistory(int rows) : m_rows(std::max(rows, 1)) {}
+WaterfallHistory::WaterfallHistory(int rows) : m_rows(std::clamp(rows, 1, mostRows))
+{
+    m_ring.resize(static_cast<std::size_t>(m_rows));
+    setColors();
+}
 
 void WaterfallHistory::setRows(int rows)
 {
-    rows = std::max(rows, 1);
+    rows = std::clamp(rows, 1, mostRows);
     if (rows == m_rows)
         return;
-    QVector<ScanFrame> kept;
-    for (int i = std::min(filled(), rows) - 1; i >= 0; --i)
-        kept.append(*row(i));
-    m_ring = kept;
-    m_newest = static_cast<int>(kept.size()) - 1;
+    std::vector<ScanFrame> kept(static_cast<std::size_t>(rows));
+    const int count = std::min(m_filled, rows);
+    m_bytes = 0;
+    for (int i = 0; i < count; ++i) {
+        ScanFrame& frame = m_ring[static_cast<std::size_t>(slot(i))];
+        m_bytes += bytesOf(frame);
+        kept[static_cast<std::size_t>(count - 1 - i)] = std::move(frame);
+    }
+    m_ring = std::move(kept);
+    m_filled = count;
+    m_newest = std::max(0, count - 1);
     m_rows = rows;
     m_stale = true;
 }
 
+void WaterfallHistory::dropOldest()
+{
+    ScanFrame& oldest = m_ring[static_cast<std::size_t>(slot(m_filled - 1))];
+    m_bytes -= bytesOf(oldest);
+    oldest = ScanFrame();
+    --m_filled;
+}
+
 void WaterfallHistory::add(const ScanFrame& frame)
 {
-    if (m_ring.size() < m_rows) {
-        m_ring.append(frame);
-        m_newest = static_cast<int>(m_ring.size()) - 1;
-    } else {
-        m_newest = (m_newest + 1) % m_rows;
-        m_ring[m_newest] = frame;
-    }
+    if (m_filled == m_rows)
+        dropOldest();
+    m_newest = (m_newest + 1) % m_rows;
+    ScanFrame& place = m_ring[static_cast<std::size_t>(m_newest)];
+    place = frame.isValid() ? reduced(frame) : ScanFrame();
+    ++m_filled;
+    m_bytes += bytesOf(place);
+    while (m_bytes > mostBytes && m_filled > 1)
+        dropOldest();
     if (!m_stale)
-        paintLine(m_newest, frame);
+        paintLine(m_newest);
 }
 
 void WaterfallHistory::clear()
 {
-    m_ring.clear();
-    m_newest = -1;
-    m_stale = true;
+    while (m_filled > 0)
+        dropOldest();
 }
 
 const ScanFrame* WaterfallHistory::row(int index) const
 {
-    if (index < 0 || index >= filled())
+    if (index < 0 || index >= m_filled)
         return nullptr;
-    const int size = filled();
-    return &m_ring[(m_newest - index + size) % size];
+    return &m_ring[static_cast<std::size_t>(slot(index))];
 }
 
 void WaterfallHistory::setView(const ScanRange& view)
@@ -87,7 +115,7 @@ void WaterfallHistory::setView(const ScanRange& view)
 
 void WaterfallHistory::setLevels(float minimum, float maximum)
 {
-    if (!(maximum > minimum))
+    if (!(maximum > minimum) || !std::isfinite(maximum - minimum))
         return;
     m_stale = m_stale || minimum != m_minimum || maximum != m_maximum;
     m_minimum = minimum;
@@ -98,6 +126,23 @@ void WaterfallHistory::setPalette(const ScanPalette& palette)
 {
     m_stale = m_stale || palette.kind() != m_palette.kind();
     m_palette = palette;
+    setColors();
+}
+
+void WaterfallHistory::setGreyed(bool greyed)
+{
+    m_stale = m_stale || greyed != m_greyed;
+    m_greyed = greyed;
+    setColors();
+}
+
+void WaterfallHistory::setColors()
+{
+    for (std::size_t i = 0; i < m_colors.size(); ++i) {
+        const QRgb color = m_palette.colors()[i];
+        const int grey = qGray(color);
+        m_colors[i] = m_greyed ? qRgb(grey, grey, grey) : color;
+    }
 }
 
 void WaterfallHistory::setWidth(int pixels)
@@ -106,55 +151,53 @@ void WaterfallHistory::setWidth(int pixels)
     m_width = std::max(pixels, 0);
 }
 
-void WaterfallHistory::paintLine(int index, const ScanFrame& frame)
+void WaterfallHistory::paintLine(int slot)
 {
-    QRgb* pixels = reinterpret_cast<QRgb*>(m_image.scanLine(m_rows - 1 - index));
+    QRgb* pixels = reinterpret_cast<QRgb*>(m_image.scanLine(m_rows - 1 - slot));
     ++m_painted;
-    if (frame.isEmpty() || !(frame.step > 0) || !m_view.isValid()) {
-        std::fill_n(pixels, m_width, emptyColor);
-        return;
-    }
-    m_columns.resize(m_width);
-    columnMaxima(frame, m_view, m_columns);
-    const float scale = 255 / (m_maximum - m_minimum);
+    m_columns.fillMaximum(m_ring[static_cast<std::size_t>(slot)], m_view, m_width);
+    const float* levels = m_columns.maximum.constData();
+    const float scale = 256 / (m_maximum - m_minimum);
     for (int x = 0; x < m_width; ++x) {
-        const float position = (m_columns[x] - m_minimum) * scale;
+        const float position = (levels[x] - m_minimum) * scale;
         if (std::isnan(position))
             pixels[x] = emptyColor;
         else
-            pixels[x] = m_palette.color(static_cast<int>(std::clamp(position, 0.0f, 255.0f)));
+            pixels[x] = m_colors[static_cast<std::size_t>(std::clamp(position, 0.0f, 255.0f))];
     }
 }
 
 void WaterfallHistory::paintAll()
 {
-    if (m_image.width() != m_width || m_image.height() != m_rows)
+    if (m_image.width() != m_width || m_image.height() != m_rows) {
         m_image = QImage(m_width, m_rows, QImage::Format_RGB32);
-    for (int i = 0; i < filled(); ++i)
-        paintLine(i, m_ring[i]);
-    m_stale = false;
+        m_image.fill(emptyColor);
+    }
+    // Without memory for it the picture stays empty, and is tried again.
+    m_stale = m_image.isNull();
+    for (int i = 0; i < m_filled && !m_stale; ++i)
+        paintLine(slot(i));
 }
 
 void WaterfallHistory::draw(QPainter& painter, const QRect& target)
 {
-    setWidth(target.width());
-    if (m_width == 0 || target.height() <= 0)
+    const DeviceSpace device(painter);
+    const QRect pixels = device.pixels(target);
+    if (pixels.isEmpty())
         return;
+    setWidth(pixels.width());
     if (m_stale)
         paintAll();
-    const int shown = std::min(filled(), target.height());
-    // From the newest line down to the image's last one, then from the oldest stretch's first.
-    int y = target.top();
-    int index = m_newest;
-    for (int done = 0; done < shown;) {
-        const int stretch = std::min(index + 1, shown - done);
-        painter.drawImage(target.left(), y, m_image, 0, m_rows - 1 - index, m_width, stretch);
-        y += stretch;
-        done += stretch;
-        index = filled() - 1;
-    }
-    if (shown < target.height())
-        painter.fillRect(target.adjusted(0, shown, 0, 0), QColor::fromRgb(emptyColor));
+    const int shown = std::min(m_filled, pixels.height());
+    // From the newest line down to the image's last one, then from the first.
+    const int line = m_rows - 1 - m_newest;
+    const int stretch = std::min(shown, m_rows - line);
+    if (stretch > 0)
+        painter.drawImage(pixels.left(), pixels.top(), m_image, 0, line, m_width, stretch);
+    if (shown > stretch)
+        painter.drawImage(pixels.left(), pixels.top() + stretch, m_image, 0, 0, m_width, shown - stretch);
+    if (shown < pixels.height())
+        painter.fillRect(pixels.adjusted(0, shown, 0, 0), QColor::fromRgb(emptyColor));
 }
 
 int WaterfallHistory::takePaintedLines()
