@@ -73,6 +73,12 @@ void StatusBannerTest::goesWhenTheDriverIsBack()
     m_banner->driverLost("127.0.0.1:4711");
     m_banner->driverBack();
     QVERIFY(!m_banner->isVisible());
+    // Together with what the loss brought about, but not with what was there before.
+    m_banner->showError("before");
+    m_banner->driverLost("127.0.0.1:4711");
+    m_banner->showError("No connection");
+    m_banner->driverBack();
+    QCOMPARE(line("ErrorLine")->text(), QString("before"));
 }
 
 void StatusBannerTest::movesNothingInTheWindow()

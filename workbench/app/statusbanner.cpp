@@ -102,16 +102,18 @@ void StatusBanner::setAttempt(int attempt)
 void StatusBanner::driverBack()
 {
     m_lostAt = QDateTime();
+    m_awayErrors.clear();
     m_tick.stop();
     refresh();
 }
 
 void StatusBanner::showError(const QString& message)
 {
-    m_errors.removeAll(message);
-    m_errors.append(message);
-    while (m_errors.size() > errorsAtMost) {
-        m_errors.removeFirst();
+    QStringList& errors = m_lostAt.isValid() ? m_awayErrors : m_errors;
+    errors.removeAll(message);
+    errors.append(message);
+    while (errors.size() > errorsAtMost) {
+        errors.removeFirst();
     }
     m_errorTime.start();
     refresh();
@@ -120,6 +122,7 @@ void StatusBanner::showError(const QString& message)
 void StatusBanner::dismissErrors()
 {
     m_errors.clear();
+    m_awayErrors.clear();
     m_errorTime.stop();
     refresh();
 }
@@ -137,10 +140,11 @@ void StatusBanner::refresh()
         m_driverLine->setText(what + tr(". What is shown are its last values."));
     }
     m_driverLine->setVisible(away);
-    m_errorLine->setText(m_errors.join('\n'));
-    m_errorLine->setVisible(!m_errors.isEmpty());
-    m_dismiss->setVisible(!m_errors.isEmpty());
-    setVisible(m_mainWidget && (away || !m_errors.isEmpty()));
+    const QStringList errors = m_errors + m_awayErrors;
+    m_errorLine->setText(errors.join('\n'));
+    m_errorLine->setVisible(!errors.isEmpty());
+    m_dismiss->setVisible(!errors.isEmpty());
+    setVisible(m_mainWidget && (away || !errors.isEmpty()));
     place();
 }
 

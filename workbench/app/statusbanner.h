@@ -27,7 +27,8 @@ public:
     void setAttempt(int attempt);  // the one that is under way, from 1
     void driverBack();
 
-    // An error for the operator; stays until it is dismissed or has stood for some time.
+    // An error for the operator; stays until it is dismissed, has stood for some time, or, when it
+    // came while the driver was away, until the driver is back.
     void showError(const QString& message);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -46,5 +47,6 @@ private:
     QDateTime m_lostAt;  // invalid: the driver is there
     QString m_address;
     int m_attempt = 0;
-    QStringList m_errors;
+    QStringList m_errors;      // while all is well, or from before the loss
+    QStringList m_awayErrors;  // since the loss
 };
