@@ -24,6 +24,8 @@ endif()
 if(RX_SANITIZER)
   add_compile_options(-fsanitize=${RX_SANITIZER} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${RX_SANITIZER})
+  # GCC sees uninitialised members in every std::variant that a sanitizer has instrumented.
+  add_compile_options(-Wno-maybe-uninitialized)
   if(RX_SANITIZER MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()
