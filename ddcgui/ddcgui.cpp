@@ -24,7 +24,6 @@ namespace {
 
 const int connectWaitMs = 35000;
 const unsigned short connectedTraceLine = 134;
-const char* const clientName = "VTConnectToDRV";
 const char* const catalogue = "DDCGui";
 
 void RaiseSplash()
@@ -125,7 +124,7 @@ void DDCGui::StartConnection()
     m_pConnectTimer->start(connectWaitMs);
 
     m_pNode = ValueDescriptor::CreateNodeAbsolute(m_ValuePath, nullptr);
-    m_pVtClient = VtClientCenter::Instance()->GetVtClient(QLatin1String(clientName));
+    m_pVtClient = VtClientCenter::Instance()->GetVtClient(QLatin1String(ValuePaths::driverClient));
     if (m_pVtClient) {
         m_pVtClient->AddObserver(this);
         m_bConnected = m_pVtClient->IsConnected();

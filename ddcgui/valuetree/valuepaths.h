@@ -42,6 +42,9 @@ namespace ValuePaths {
 static const char* const serverValuesHooked = "/ADMINISTRATION/SERVERVALUESHOOKED";
 static const char* const administrationHook = "/ADMINISTRATION,/ADMINISTRATION";
 
+// The tree's client that mirrors the driver.
+static const char* const driverClient = "VTConnectToDRV";
+
 // After a device path.
 static const char* const deviceCaption = "/DEVICE_CAPTION";
 static const char* const dfEnabled = "/DDF/DF_ENABLED";
