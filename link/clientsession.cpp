@@ -53,6 +53,7 @@ void ClientSession::start(const QString& host, quint16 port)
     m_port = port;
     m_backoffMs = m_options.backoffFirstMs;
     m_lastFailure.clear();
+    m_welcome = Welcome();  // of another driver
     attempt();
 }
 

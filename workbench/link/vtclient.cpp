@@ -119,7 +119,11 @@ void VtClient::DeleteObserver(IObserver* observer)
 QString VtClient::GetServerAddress()
 {
     const quint16 port = m_session.welcome().streamPort;
-    return port == 0 ? QString() : QStringLiteral("%1:%2").arg(m_session.host()).arg(port);
+    const QString host = m_session.host();
+    if (port == 0 || host.isEmpty())
+        return QString();
+    const bool bareV6 = host.contains(QLatin1Char(':')) && !host.startsWith(QLatin1Char('['));
+    return (bareV6 ? QStringLiteral("[%1]:%2") : QStringLiteral("%1:%2")).arg(host).arg(port);
 }
 
 void VtClient::Flush()
