@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "ddcguiffm.h"
+#include "ddcifspectrum.h"
 #include "ddcselectiondlg.h"
 #include "ddctrace.h"
 #include "receivercommon/ifmappinghelper.h"
@@ -34,6 +35,7 @@ QString MegahertzText(double hertz)
 DdcGuiMain::DdcGuiMain(const QString& configKey)
     : QMainWindow(nullptr),
       m_pFfm(nullptr),
+      m_pIfSpectrum(nullptr),
       m_pSelectionDlg(nullptr),
       m_pRangeLabel(nullptr),
       m_IfPanSpan(this),
@@ -54,6 +56,8 @@ DdcGuiMain::~DdcGuiMain()
     m_pRangeLabel = nullptr;
     delete m_pFfm;
     m_pFfm = nullptr;
+    delete m_pIfSpectrum;
+    m_pIfSpectrum = nullptr;
 }
 
 void DdcGuiMain::SetTitle(const QString& text)
@@ -155,7 +159,11 @@ void DdcGuiMain::CreateDdcFrame()
     m_pFfm->SetConfigKey(m_ConfigKey);
     m_pFfm->ConnectVtValuesToControls(m_CurrentDdc);
 
+    m_pIfSpectrum = new DdcIfSpectrum(frame, m_ValuePath, ddcPath);
+    m_pIfSpectrum->BindValuePaths();
+
     layout->addWidget(m_pFfm);
+    layout->addWidget(m_pIfSpectrum);
     setCentralWidget(frame);
 }
 
@@ -241,10 +249,13 @@ void DdcGuiMain::SwitchPanel()
         return;
     const bool dfMode = m_DfEnabled.value && m_DfEnabled.value->GetCurrentText() == QLatin1String("ON");
     const bool switching = m_DrvCommands.value && m_DrvCommands.value->GetCurrentKey() == switchingKey;
-    if (dfMode)
-        m_pFfm->hide();
-    else if (!switching)
-        m_pFfm->show();
+    if (!dfMode && switching)
+        return;
+    // The pane is not there yet when the mode changes while the panel is being bound.
+    QWidget* const parts[] = {m_pFfm, m_pIfSpectrum};
+    for (QWidget* part : parts)
+        if (part)
+            part->setVisible(!dfMode);
 }
 
 void DdcGuiMain::closeEvent(QCloseEvent* event)

@@ -8,6 +8,7 @@
 #include "valuetree/valueptr.h"
 
 class DdcGuiFfm;
+class DdcIfSpectrum;
 class DdcSelectionDlg;
 class IFMappingHelper;
 class QBoxLayout;
@@ -16,8 +17,9 @@ class QLabel;
 
 // The plug-in's top-level window. Started once the driver's values are there: it takes the
 // configured channel when that is free, else lets the operator choose one, and builds the channel's
-// frame: a header row and the channel's panels, of which the driver's DF switch selects one.
-// Closing it gives up the channel and ends the application.
+// frame: a header row, the channel's panels, of which the driver's DF switch selects one, and the IF
+// spectrum, which goes with the fixed-frequency panel. Closing it gives up the channel and ends the
+// application.
 class DdcGuiMain : public QMainWindow, public IObserver
 {
     Q_OBJECT
@@ -54,6 +56,7 @@ private:
     void SwitchPanel();
 
     DdcGuiFfm* m_pFfm;
+    DdcIfSpectrum* m_pIfSpectrum;
     DdcSelectionDlg* m_pSelectionDlg;  // deletes itself when closed
     QLabel* m_pRangeLabel;
     ValueObservingPtr<ValueSelection> m_IfPanSpan;

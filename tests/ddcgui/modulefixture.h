@@ -130,7 +130,7 @@ public:
     QString GetServerAddress() override
     {
         calls.append("GetServerAddress");
-        return "127.0.0.1:1";
+        return streamAddress;
     }
     void Flush() override { calls.append("Flush"); }
     void HookValues(const QByteArray& pair, const QByteArray& reserved) override
@@ -150,6 +150,7 @@ public:
     }
 
     QStringList calls;
+    QString streamAddress = "127.0.0.1:1";  // nobody is there
     bool connected = false;
     bool nodeServed = false;
     bool servedValues = true;

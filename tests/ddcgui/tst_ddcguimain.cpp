@@ -6,6 +6,7 @@
 
 #include "ddcguiffm.h"
 #include "ddcguimain.h"
+#include "ddcifspectrum.h"
 #include "ddcselectiondlg.h"
 #include "tests/ddcgui/modulefixture.h"
 
@@ -36,6 +37,22 @@ int RunApplication(std::function<void()> act)
     start.start(0);
     return QCoreApplication::exec();
 }
+
+// Notes who is hidden and shown, in order.
+class VisibilityNotes : public QObject
+{
+public:
+    QStringList told;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide || event->type() == QEvent::Show)
+            told.append(QString(watched->metaObject()->className()) +
+                        (event->type() == QEvent::Hide ? " hidden" : " shown"));
+        return false;
+    }
+};
 
 }  // namespace
 
@@ -194,7 +211,23 @@ private slots:
         QCOMPARE(qobject_cast<QLabel*>(row->itemAt(2)->widget())->text(), QString());
         QCOMPARE(qobject_cast<QLabel*>(row->itemAt(3)->widget())->text(), QString("Mode:"));
         QVERIFY(row->itemAt(5)->spacerItem());
-        QCOMPARE(frame->layout()->itemAt(1)->widget(), static_cast<QWidget*>(Panel()));
+    }
+
+    void frameHoldsTheHeaderThePanelAndTheSpectrumInThisOrder()
+    {
+        m_Window->Start("/RX1", "", "DDC1");
+        QVERIFY(Pane());
+        QVBoxLayout* layout = qobject_cast<QVBoxLayout*>(m_Window->centralWidget()->layout());
+        QVERIFY(layout);
+        QCOMPARE(layout->count(), 3);
+        QVERIFY(layout->itemAt(0)->layout());
+        QCOMPARE(layout->itemAt(1)->widget(), static_cast<QWidget*>(Panel()));
+        QCOMPARE(layout->itemAt(2)->widget(), static_cast<QWidget*>(Pane()));
+        for (int i = 1; i < layout->count(); ++i) {
+            QCOMPARE(layout->stretch(i), 0);
+            QCOMPARE(layout->itemAt(i)->alignment(), Qt::Alignment());
+        }
+        QCOMPARE(Pane()->parentWidget(), m_Window->centralWidget());
     }
 
     void headerRowIsNoHigherThanItsText()
@@ -214,14 +247,23 @@ private slots:
         QTRY_COMPARE(mode->text(), QString("Replay"));
     }
 
-    void panelIsHiddenWhileTheReceiverFindsDirections()
+    void panelAndSpectrumAreHiddenInThisOrderWhileTheReceiverFindsDirections()
     {
         m_Window->Start("/RX1", "", "DDC1");
         QVERIFY(Panel()->isVisible());
+        QVERIFY(Pane()->isVisible());
+        VisibilityNotes notes;
+        Panel()->installEventFilter(&notes);
+        Pane()->installEventFilter(&notes);
         TestTree::Selection("/RX1/DDF/DF_ENABLED").SelectText("ON", nullptr);
         QVERIFY(!Panel()->isVisible());
+        QVERIFY(!Pane()->isVisible());
+        QCOMPARE(notes.told, QStringList({"DdcGuiFfm hidden", "DdcIfSpectrum hidden"}));
+        notes.told.clear();
         TestTree::Selection("/RX1/DDF/DF_ENABLED").SelectText("OFF", nullptr);
         QVERIFY(Panel()->isVisible());
+        QVERIFY(Pane()->isVisible());
+        QCOMPARE(notes.told, QStringList({"DdcGuiFfm shown", "DdcIfSpectrum shown"}));
     }
 
     void directionFindingAtTheStartHidesThePanel()
@@ -230,6 +272,7 @@ private slots:
         m_Window->Start("/RX1", "", "DDC1");
         QVERIFY(m_Window->isVisible());
         QVERIFY(Panel()->isHidden());
+        QVERIFY(Pane()->isHidden());
     }
 
     void onlyTheExactTextMeansDirectionFinding()
@@ -246,12 +289,16 @@ private slots:
         m_Window->Start("/RX1", "", "DDC1");
         TestTree::Selection("/RX1/DRVCOMMANDS").SelectKey(14, nullptr);
         QVERIFY(Panel()->isVisible());
+        QVERIFY(Pane()->isVisible());
         TestTree::Selection("/RX1/DDF/DF_ENABLED").SelectText("ON", nullptr);
         QVERIFY(!Panel()->isVisible());  // the exception holds with DF off only
+        QVERIFY(!Pane()->isVisible());
         TestTree::Selection("/RX1/DDF/DF_ENABLED").SelectText("OFF", nullptr);
         QVERIFY(!Panel()->isVisible());
+        QVERIFY(!Pane()->isVisible());
         TestTree::Selection("/RX1/DRVCOMMANDS").SelectKey(1, nullptr);
         QVERIFY(Panel()->isVisible());
+        QVERIFY(Pane()->isVisible());
     }
 
     void missingValuesAreSkipped_data()
@@ -367,6 +414,18 @@ private slots:
         QCOMPARE(TestTree::Float("/RX1/FREQUENCY").CountObservers(), 0);
     }
 
+    void destructionTakesTheRangeLabelThenThePanelThenTheSpectrum()
+    {
+        m_Window->Start("/RX1", "", "DDC1");
+        QStringList gone;
+        const QPair<QObject*, QString> parts[] = {
+            {Pane(), "spectrum"}, {Panel(), "panel"}, {m_Window->findChild<QLabel*>("Valid Range"), "range"}};
+        for (const auto& part : parts)
+            connect(part.first, &QObject::destroyed, this, [&gone, part] { gone.append(part.second); });
+        m_Window.reset();
+        QCOMPARE(gone, QStringList({"range", "panel", "spectrum"}));
+    }
+
     void destructionLeavesTheTreeAlone()
     {
         m_Window->Start("/RX1", "", "DDC1");
@@ -386,6 +445,7 @@ private slots:
 
 private:
     DdcGuiFfm* Panel() const { return m_Window->findChild<DdcGuiFfm*>(); }
+    DdcIfSpectrum* Pane() const { return m_Window->findChild<DdcIfSpectrum*>(); }
     QString RangeText() const { return m_Window->findChild<QLabel*>("Valid Range")->text(); }
 
     QScopedPointer<TestTree> m_Tree;
