@@ -23,7 +23,8 @@ struct Engine::Private
           minimum(source->centerMinimum()),
           maximum(source->centerMaximum()),
           name(source->name()),
-          mailbox(&orders, !how.realTime)
+          mailbox(&orders, !how.realTime),
+          tap(rate, how.fullScale)
     {
         if (!(options.reportRate > 0) || !std::isfinite(options.reportRate))
             options.reportRate = Options().reportRate;
@@ -38,6 +39,7 @@ struct Engine::Private
     QString name;
     EngineOrders orders;
     Mailbox mailbox;
+    PanoramaTap tap;
     std::thread thread;
 };
 
@@ -58,6 +60,7 @@ Engine::Engine(std::unique_ptr<IqSource> source, const Options& options, QObject
                 break;
         }
     });
+    connect(&d->tap, &PanoramaTap::frameReady, this, &Engine::panoramaReady);
 }
 
 Engine::~Engine()
@@ -100,7 +103,7 @@ void Engine::start()
     }
     d->thread = std::thread([p = d.get()] {
         p->source->rewind();
-        EngineWorker(p->source.get(), p->options, &p->orders, &p->mailbox).run();
+        EngineWorker(p->source.get(), p->options, &p->orders, &p->mailbox, &p->tap).run();
     });
 }
 
@@ -138,6 +141,11 @@ void Engine::setChannel(int channel, double frequencyHz, double bandwidthHz)
     if (channel < 0 || std::size_t(channel) >= d->orders.channels.size())
         return;
     d->orders.channels[std::size_t(channel)] = {frequencyHz, bandwidthHz};
+}
+
+void Engine::setPanorama(const std::optional<PanoramaSettings>& settings)
+{
+    d->tap.set(settings);
 }
 
 }  // namespace Receiver

@@ -4,7 +4,9 @@
 #include <QString>
 #include <QVector>
 #include <memory>
+#include <optional>
 
+#include "receiver/dsp/panoramatap.h"
 #include "receiver/sources/iqsource.h"
 
 namespace Receiver {
@@ -55,8 +57,14 @@ public:
     // Counts for the whole of the report that is being measured.
     void setChannel(int channel, double frequencyHz, double bandwidthHz);
 
+    // A picture of the spectrum beside the levels; nothing: none, at no cost. While its transform is
+    // planned, the panorama before goes on.
+    void setPanorama(const std::optional<PanoramaSettings>& settings);
+
 signals:
     void levelsReady(const Receiver::Engine::Levels& levels);
+    // The newest frame, and how many the receiving thread had no time for since the one before.
+    void panoramaReady(const Receiver::PanoramaPicture& frame, quint64 skipped);
     void ended();                        // a source without loop came to its end
     void failed(const QString& reason);  // the source stopped for an error
 

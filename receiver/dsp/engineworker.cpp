@@ -77,11 +77,12 @@ void Mailbox::clear()
 }
 
 EngineWorker::EngineWorker(IqSource* source, const Engine::Options& options, EngineOrders* orders,
-                           Mailbox* mailbox)
+                           Mailbox* mailbox, PanoramaTap* tap)
     : m_source(source),
       m_options(options),
       m_orders(orders),
       m_mailbox(mailbox),
+      m_tap(tap),
       m_rate(source->sampleRate()),
       m_meter(m_rate),
       m_buffer(std::size_t(2 * m_meter.size()), readSamples),
@@ -91,6 +92,7 @@ EngineWorker::EngineWorker(IqSource* source, const Engine::Options& options, Eng
 
 void EngineWorker::run()
 {
+    m_tap->interrupt();
     for (qint64 number = 0; !stopped(); ++number) {
         const Report report = reportAt(number);
         takeCenter();
@@ -183,8 +185,11 @@ bool EngineWorker::readSome(std::size_t count)
     const std::size_t got = m_source->read(room, count);
     m_invalid += replaceInvalid(room, got);
     m_buffer.append(got);
-    if (got > 0)
+    if (got > 0) {
+        if (m_tap->isWanted())
+            tap(room, got);
         return true;
+    }
     QString reason = m_source->error();
     if (reason.isEmpty() && m_buffer.end() == m_rounds.back())
         reason = m_source->name() + QStringLiteral(": gave no samples");
@@ -197,6 +202,22 @@ bool EngineWorker::readSome(std::size_t count)
     else
         m_ended = true;
     return true;
+}
+
+// The newest samples of the buffer, without those that are still of the centre before.
+void EngineWorker::tap(const Sample* samples, std::size_t count)
+{
+    const qint64 unsettled =
+        std::clamp<qint64>(m_settled - (m_buffer.end() - qint64(count)), 0, qint64(count));
+    if (unsettled < qint64(count))
+        m_tap->feed(samples + unsettled, count - std::size_t(unsettled), timeOf(m_buffer.end()),
+                    m_source->center());
+}
+
+qint64 EngineWorker::timeOf(qint64 sample) const
+{
+    return m_options.realTime ? m_pace.timeOf(sample)
+                              : m_startTime + std::llround(double(sample) / m_rate * 1e6);
 }
 
 double EngineWorker::positionOf(qint64 sample)
@@ -213,8 +234,7 @@ void EngineWorker::send(qint64 end)
         m_channels = m_orders->channels;
     }
     Engine::Levels report;
-    report.time =
-        m_options.realTime ? m_pace.timeOf(end) : m_startTime + std::llround(double(end) / m_rate * 1e6);
+    report.time = timeOf(end);
     report.position = positionOf(end);
     report.invalidSamples = m_invalid;
     report.levels.reserve(int(m_channels.size()));

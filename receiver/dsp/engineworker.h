@@ -80,7 +80,8 @@ private:
 class EngineWorker
 {
 public:
-    EngineWorker(IqSource* source, const Engine::Options& options, EngineOrders* orders, Mailbox* mailbox);
+    EngineWorker(IqSource* source, const Engine::Options& options, EngineOrders* orders, Mailbox* mailbox,
+                 PanoramaTap* tap);
 
     void run();  // until stop, the source's end or its failure
 
@@ -97,6 +98,8 @@ private:
     bool fill(qint64 until);
     bool waitFor(qint64 sample);
     bool readSome(std::size_t count);
+    void tap(const Sample* samples, std::size_t count);
+    qint64 timeOf(qint64 sample) const;
     void send(qint64 end);
     double positionOf(qint64 sample);
     void finish();
@@ -106,6 +109,7 @@ private:
     Engine::Options m_options;
     EngineOrders* m_orders;
     Mailbox* m_mailbox;
+    PanoramaTap* m_tap;
     double m_rate;
     LevelMeter m_meter;
     SampleBuffer m_buffer;

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+
+#include "receiver/dsp/windowfunction.h"
 
 namespace Receiver {
 
@@ -17,10 +20,17 @@ int sizeFor(double sampleRate)
     return Fourier::goodSize(std::max(double(sizeMinimum), sampleRate / resolutionMaximum));
 }
 
+double energyOf(const std::vector<float>& weights, int count)
+{
+    return std::accumulate(weights.begin(), weights.begin() + count, 0.0,
+                           [](double sum, float weight) { return sum + double(weight) * double(weight); });
+}
+
 }  // namespace
 
 LevelMeter::LevelMeter(double sampleRate)
-    : m_window(sizeFor(sampleRate)),
+    : m_window(makeWindow(WindowFunction::BlackmanHarris, sizeFor(sampleRate))),
+      m_windowEnergy(energyOf(m_window, int(m_window.size()))),
       m_transform(sizeFor(sampleRate), Fourier::Forward),
       m_resolution(sampleRate / m_transform.size()),
       m_one(std::size_t(m_transform.size())),
@@ -37,7 +47,7 @@ void LevelMeter::add(const Sample* samples, int count)
 {
     const int used = std::min(count, size());
     const auto bins = static_cast<unsigned int>(size());
-    volk_32fc_32f_multiply_32fc(m_transform.input(), samples, m_window.weights.data(),
+    volk_32fc_32f_multiply_32fc(m_transform.input(), samples, m_window.data(),
                                 static_cast<unsigned int>(used));
     std::fill(m_transform.input() + used, m_transform.input() + size(), Sample());
     m_transform.run();
@@ -47,13 +57,7 @@ void LevelMeter::add(const Sample* samples, int count)
         volk_32fc_magnitude_squared_32f(m_one.data(), m_transform.output(), bins);
         volk_32f_x2_add_32f(m_powers.data(), m_powers.data(), m_one.data(), bins);
     }
-    double energy = m_window.energy;
-    if (used < size()) {
-        energy = 0;
-        for (int i = 0; i < used; ++i)
-            energy += double(m_window.weights[std::size_t(i)]) * double(m_window.weights[std::size_t(i)]);
-    }
-    m_energy += energy;
+    m_energy += used < size() ? energyOf(m_window, used) : m_windowEnergy;
     ++m_transforms;
 }
 

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "receiver/dsp/fourier.h"
-#include "receiver/dsp/window.h"
 
 namespace Receiver {
 
@@ -38,7 +37,8 @@ public:
 private:
     double sum(double low, double high) const;
 
-    Window m_window;
+    std::vector<float> m_window;  // within 2.5 bins beside a tone lies all but 0.03 % of its power
+    double m_windowEnergy;        // sum of the squares
     Fourier m_transform;
     double m_resolution;
     double m_energy = 0;  // of the window over all samples taken
