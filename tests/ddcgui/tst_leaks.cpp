@@ -13,8 +13,10 @@ const int repetitions = 1000;
 const int warmUp = 100;
 
 // What the toolkit's caches take at most, however often a thing is repeated. One forgotten object of
-// 100 bytes in each repetition, the smallest there is of a value, a timer or a widget, is more.
-const qint64 cacheBytes = 96000;
+// 32 bytes in each repetition, less than the smallest there is of a value, a timer or a widget, is
+// more. A cache fills up once; what is forgotten adds up in every round, so that the best one counts.
+const qint64 cacheBytes = 32000;
+const int rounds = 3;
 
 const char* const hookedPath = "/ADMINISTRATION/SERVERVALUESHOOKED";
 
@@ -48,16 +50,19 @@ void CheckRepetitions(const TestClient& client, std::function<void()> once)
 {
     for (int i = 0; i < warmUp; ++i)
         once();
-    const Alive before = Count(client);
-    for (int i = 0; i < repetitions; ++i)
-        once();
-    const Alive after = Count(client);
-    QCOMPARE(after.values, before.values);
-    QCOMPARE(after.observers, before.observers);
-    QCOMPARE(after.topLevels, before.topLevels);
-    QCOMPARE(after.clientObservers, before.clientObservers);
-    const qint64 grown = after.heap - before.heap;
-    qInfo("heap after %d repetitions: %+lld bytes", repetitions, static_cast<long long>(grown));
+    qint64 grown = cacheBytes + 1;
+    for (int round = 0; round < rounds && grown > cacheBytes; ++round) {
+        const Alive before = Count(client);
+        for (int i = 0; i < repetitions; ++i)
+            once();
+        const Alive after = Count(client);
+        QCOMPARE(after.values, before.values);
+        QCOMPARE(after.observers, before.observers);
+        QCOMPARE(after.topLevels, before.topLevels);
+        QCOMPARE(after.clientObservers, before.clientObservers);
+        grown = after.heap - before.heap;
+        qInfo("heap after %d repetitions: %+lld bytes", repetitions, static_cast<long long>(grown));
+    }
     QVERIFY2(grown <= cacheBytes, qPrintable(QString("%1 bytes stayed").arg(grown)));
 }
 

@@ -5,6 +5,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVBoxLayout>
 #include <QWidget>
 #include <memory>
 
@@ -100,6 +101,30 @@ private Q_SLOTS:
         GuiBase::Instance()->SetMainWidget(m_Widget.get());
         m_Widget->show();
         QCOMPARE(m_Widget->size(), QSize(412, 345));
+    }
+
+    void aWindowOpensLargeEnoughForWhatItHolds_data()
+    {
+        QTest::addColumn<int>("contents");
+        const int screen = QGuiApplication::primaryScreen()->availableSize().height();
+        QTest::newRow("less than it has") << 100;
+        QTest::newRow("more than the toolkit gives of the screen") << screen * 4 / 5;
+        QTest::newRow("more than the screen") << screen * 2;
+    }
+    void aWindowOpensLargeEnoughForWhatItHolds()
+    {
+        QFETCH(int, contents);
+        const int screen = QGuiApplication::primaryScreen()->availableSize().height();
+        Start();
+        auto* const column = new QVBoxLayout(m_Widget.get());
+        auto* const held = new QWidget;
+        held->setMinimumSize(50, contents);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->addWidget(held);
+        m_Widget->setMinimumSize(40, 30);  // which the contents do not raise any more
+        m_Widget->show();
+        QCOMPARE(m_Widget->height(), qMin(screen, qMax(contents, ownSize.height())));
+        QCOMPARE(m_Widget->width(), ownSize.width());
     }
 
     void otherWindowsAreLeftAlone()

@@ -65,6 +65,7 @@ bool GeometryKeeper::eventFilter(QObject* object, QEvent* event)
     if (m_Application) {
         if (event->type() == QEvent::Show && object == GuiBaseHost::MainWidget()) {
             QWidget* const widget = static_cast<QWidget*>(object);
+            MakeRoom(widget);
             Restore(widget);
             Follow(widget);
         }
@@ -110,6 +111,16 @@ bool GeometryKeeper::IsUsable(const QWidget* widget, const QRect& normal) const
             return true;
     }
     return false;
+}
+
+// The toolkit opens a window at two thirds of the screen at most, even where its contents need more.
+void GeometryKeeper::MakeRoom(QWidget* widget)
+{
+    const QScreen* const screen = widget->screen();
+    if (!screen)
+        return;
+    const QSize needed = widget->size().expandedTo(widget->minimumSizeHint());
+    widget->resize(needed.boundedTo(screen->availableSize()).expandedTo(widget->size()));
 }
 
 void GeometryKeeper::Restore(QWidget* widget)

@@ -35,6 +35,7 @@ private:
 
     void Follow(QWidget* widget);
     void Remember(QWidget* widget);
+    void MakeRoom(QWidget* widget);
     void Restore(QWidget* widget);
     bool IsUsable(const QWidget* widget, const QRect& normal) const;
 
