@@ -19,6 +19,7 @@ const int frameWidth = 1;
 const int longTick = 5;
 const int shortTick = 3;
 const int arrowWidth = 6;
+const int textMargin = arrowWidth + 2;  // the arrow beyond the scale stays beside the number
 
 struct BarColors
 {
@@ -86,13 +87,16 @@ void PaintArrow(QPainter& painter, const QRect& area, bool right, const QColor& 
     painter.drawPolygon(points, 3);
 }
 
+// At the right end, which a level reaches only when it is unusually high: elsewhere the bar's own end
+// and its marks would run through the digits.
 void PaintText(QPainter& painter, const QRect& area, const QRectF& part, const QString& text,
                const QColor& color)
 {
     painter.save();
     painter.setClipRect(part);
     painter.setPen(color);
-    painter.drawText(area.translated(0, -1), Qt::AlignCenter, text);  // clear of the ticks
+    const QRect place = area.adjusted(textMargin, 0, -textMargin, 0).translated(0, -1);  // clear of the ticks
+    painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, text);
     painter.restore();
 }
 
