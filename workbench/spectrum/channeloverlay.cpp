@@ -11,11 +11,25 @@
 namespace {
 
 constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-constexpr double bandwidthDigits = 0.001;  // share of a bandwidth that its text shows
+constexpr double bandwidthDigits = 0.0001;  // share of a bandwidth that its text shows at most
 
 QString text(const char* source)
 {
     return QCoreApplication::translate("ChannelOverlay", source);
+}
+
+// As short as it can be said: "150 kHz", "12.5 kHz".
+QString shortText(double bandwidth)
+{
+    const QString whole = siText(bandwidth, bandwidth * bandwidthDigits, QStringLiteral("Hz"));
+    QString number = whole.section(QLatin1Char(' '), 0, 0);
+    if (number.contains(QLatin1Char('.'))) {
+        while (number.endsWith(QLatin1Char('0')))
+            number.chop(1);
+        if (number.endsWith(QLatin1Char('.')))
+            number.chop(1);
+    }
+    return number + QLatin1Char(' ') + whole.section(QLatin1Char(' '), 1);
 }
 
 }  // namespace
@@ -66,9 +80,9 @@ ScanChannel ChannelOverlay::drawn(double resolutionBandwidth) const
     if (!map->demodulationText().isEmpty())
         parts << map->demodulationText();
     if (channel.bandwidth > 0)
-        parts << siText(channel.bandwidth, channel.bandwidth * bandwidthDigits, QStringLiteral("Hz"));
+        parts << shortText(channel.bandwidth);
     channel.text = parts.join(QLatin1Char(' '));
-    channel.hasThreshold = threshold.has();
+    channel.hasThreshold = threshold.has() && resolutionBandwidth > 0;
     if (channel.hasThreshold) {
         channel.thresholdLevel = threshold.number();
         channel.thresholdLine =

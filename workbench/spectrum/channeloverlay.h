@@ -14,7 +14,8 @@ public:
 
     bool bindCenter(const QString& path, bool follow);
 
-    // As it is drawn over a trace of that resolution bandwidth (Hz; not above 0: none is known).
+    // As it is drawn over a trace of that resolution bandwidth in Hz. Not above 0: there is no trace,
+    // and no place for the threshold's line.
     ScanChannel drawn(double resolutionBandwidth) const;
 
     // The threshold whose line lies at `line`: the inverse of what drawn() does.

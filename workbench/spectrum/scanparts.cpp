@@ -20,6 +20,7 @@ namespace {
 constexpr int watchMs = 250;      // how soon an old trace looks old
 constexpr int spectrumShare = 3;  // of the height, to the waterfall's two
 constexpr int waterfallShare = 2;
+constexpr int handlePixels = 7;       // between the pictures; can be hit
 constexpr int rightMargin = 10;       // pixels; room for half of the last label
 constexpr quint32 mostPoints = 8192;  // more than a picture has pixels, so that zooming shows more
 constexpr double frameRate = 30;
@@ -77,6 +78,8 @@ VCScanWidgetPrivate::~VCScanWidgetPrivate()
 void VCScanWidgetPrivate::configure(const ScanOptions& wanted)
 {
     options = wanted;
+    // Round steps meet a number of labels from below: one more aims at its middle.
+    options.axes = wanted.axes > 0 ? wanted.axes + 1 : 0;
     title->setText(options.title);
     title->setVisible(options.showTitle && !options.title.isEmpty());
     m_waterfallRow->setVisible(options.waterfall);
@@ -107,6 +110,7 @@ void VCScanWidgetPrivate::buildLayout()
 
     splitter->setObjectName(QStringLiteral("scanSplitter"));
     splitter->setChildrenCollapsible(false);
+    splitter->setHandleWidth(handlePixels);
     splitter->addWidget(spectrumRow);
     splitter->addWidget(m_waterfallRow);
     splitter->setStretchFactor(0, spectrumShare);

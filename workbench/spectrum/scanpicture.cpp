@@ -99,6 +99,11 @@ void VCScanWidgetPrivate::buildScene()
     scene.maximumHold = hold.maximum();
     scene.minimumHold = hold.minimum();
     scene.channel = channel.drawn(resolutionBandwidth());
+    if (scene.channel.visible && scene.view.isValid() && !scene.view.contains(scene.channel.frequency))
+        scene.channel.text =
+            (view.full().contains(scene.channel.frequency) ? VCScanWidget::tr("%1 out of view")
+                                                           : VCScanWidget::tr("%1 outside of the span"))
+                .arg(ScanText::frequency(scene.channel.frequency, pixelHertz()));
     scene.markers = markers.drawn(trace(), pixelHertz());
     scene.selectedMarker = markers.selected();
     scene.stale = state.stale;

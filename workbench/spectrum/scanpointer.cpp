@@ -43,10 +43,11 @@ bool ScanPointer::isSpectrum(const QWidget* canvas) const
     return canvas == m_scan.spectrum;
 }
 
+// Of the middle of the pixel.
 double ScanPointer::frequencyAt(const QWidget* canvas, double x) const
 {
     const ScanRange& view = m_scan.view.range();
-    return view.start + x / qMax(1, canvas->width()) * view.width();
+    return view.start + (x + 0.5) / qMax(1, canvas->width()) * view.width();
 }
 
 ScanHandle ScanPointer::partAt(QWidget* canvas, const QPointF& position) const

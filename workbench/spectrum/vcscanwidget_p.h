@@ -35,7 +35,7 @@ struct ScanOptions
     bool waterfall = true;
     QString settings;
     bool markers = true;
-    int axes = 4;
+    int axes = 4;  // labelled level ticks; 0: as many as fit well
     bool keyboard = true;
 };
 
