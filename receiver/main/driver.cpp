@@ -19,6 +19,26 @@ ServerOptions serverOptions()
     return options;
 }
 
+StreamOptions streamOptions(const DriverOptions& options)
+{
+    StreamOptions streams;
+    streams.devicePath = options.devicePath;
+    return streams;
+}
+
+WindowFunction windowOf(Link::StreamWindow window)
+{
+    switch (window) {
+        case Link::StreamWindow::Hann:
+            return WindowFunction::Hann;
+        case Link::StreamWindow::FlatTop:
+            return WindowFunction::FlatTop;
+        case Link::StreamWindow::BlackmanHarris:
+            break;
+    }
+    return WindowFunction::BlackmanHarris;
+}
+
 Engine::Options engineOptions(const DriverOptions& options)
 {
     Engine::Options engine;
@@ -34,6 +54,7 @@ Driver::Driver(const DriverOptions& options, std::unique_ptr<IqSource> source, Q
       m_authority(m_store, receiverSetup(options, *source)),
       m_measurements(m_store, m_authority.paths(), m_authority.channels()),
       m_server(m_store, serverOptions()),
+      m_streams(streamOptions(options)),
       m_engine(std::move(source), engineOptions(options))
 {
     const Paths& paths = m_authority.paths();
@@ -48,8 +69,14 @@ Driver::Driver(const DriverOptions& options, std::unique_ptr<IqSource> source, Q
     }
     const ValueId center = m_store.find(paths.device(QStringLiteral("/FREQUENCY")));
     m_settings.insert(center, [this, center] { m_engine.setCenter(m_store.number(center)); });
+    for (const char* suffix : {"/IFPANSPAN", "/DRVCOMMANDS"})
+        m_settings.insert(m_store.find(paths.device(QString::fromLatin1(suffix))),
+                          [this] { updatePanorama(); });
     setState(stateWaiting);
     m_store.addListener(this);
+
+    connect(&m_streams, &StreamServer::demandChanged, this, &Driver::updatePanorama);
+    connect(&m_engine, &Engine::panoramaReady, &m_streams, &StreamServer::deliver);
 
     connect(&m_server, &Server::served, this, &Driver::startIfHeard);
     connect(&m_engine, &Engine::levelsReady, this,
@@ -68,13 +95,26 @@ Driver::Driver(const DriverOptions& options, std::unique_ptr<IqSource> source, Q
 Driver::~Driver()
 {
     m_engine.stop();
+    m_streams.close(QStringLiteral("the driver ends"));
     m_server.close(QStringLiteral("the driver ends"));
     m_store.removeListener(this);
 }
 
 bool Driver::listen(QString* error)
 {
-    return m_server.listen(m_options.host, m_options.port, error);
+    if (!m_server.listen(m_options.host, m_options.port, error) || !listenForStreams(error))
+        return false;
+    m_server.setStreamPort(m_streams.port());
+    return true;
+}
+
+bool Driver::listenForStreams(QString* error)
+{
+    if (m_options.streamPort)
+        return m_streams.listen(m_options.host, *m_options.streamPort, error);
+    const bool hasNext = m_options.port != 0 && m_options.port != 65535;
+    return (hasNext && m_streams.listen(m_options.host, quint16(m_options.port + 1), error)) ||
+           m_streams.listen(m_options.host, 0, error);
 }
 
 QString Driver::address() const
@@ -120,6 +160,24 @@ void Driver::tuneChannel(int channel)
     const double frequency = m_store.number(m_store.find(paths.channel(name, QStringLiteral("/Frequency"))));
     const double bandwidth = m_store.number(m_store.find(paths.channel(name, QStringLiteral("/Bandwidth"))));
     m_engine.setChannel(channel, frequency, bandwidth);
+}
+
+// A panorama only while somebody looks at it and the driver is not told to stop.
+void Driver::updatePanorama()
+{
+    const Paths& paths = m_authority.paths();
+    const std::optional<StreamDemand>& demand = m_streams.demand();
+    if (!demand ||
+        m_store.key(m_store.find(paths.device(QStringLiteral("/DRVCOMMANDS")))) == DriverCommand::stop) {
+        m_engine.setPanorama({});
+        return;
+    }
+    PanoramaSettings settings;
+    settings.span = m_store.number(m_store.find(paths.device(QStringLiteral("/IFPANSPAN"))));
+    settings.points = Panorama::pointsFor(m_engine.sampleRate(), settings.span, demand->points);
+    settings.frameRate = demand->frameRate;
+    settings.window = windowOf(demand->window);
+    m_engine.setPanorama(settings);
 }
 
 void Driver::valueChanged(ValueId id)

@@ -24,6 +24,9 @@ struct OptionRow
 const OptionRow optionRows[] = {
     {"listen", "HOST:PORT",
      "Address for clients, default 127.0.0.1:4600; port 0 takes a free one, an IPv6 host stands in [ ]."},
+    {"stream-port", "PORT",
+     "Port for the spectrum's stream on the same host; 0 takes a free one. Default: the one after the port "
+     "for clients where it is free, else any."},
     {"scene", "SEED", "Receive the built-in scene made from this whole number (default: 1)."},
     {"iq", "FILE", "Receive a recording: raw u8, s8, s16, f32, WAV with two channels, or SigMF."},
     {"rate", "S/s", "Sample rate of the recording where the file does not tell it, for example 2.4M."},
@@ -65,8 +68,8 @@ public:
 
     QString read()
     {
-        for (const auto step : {&Reader::readListen, &Reader::readSource, &Reader::readRecording,
-                                &Reader::readDevice, &Reader::readChannels}) {
+        for (const auto step : {&Reader::readListen, &Reader::readStreamPort, &Reader::readSource,
+                                &Reader::readRecording, &Reader::readDevice, &Reader::readChannels}) {
             const QString wrong = (this->*step)();
             if (!wrong.isEmpty())
                 return wrong;
@@ -100,6 +103,23 @@ private:
         if (!ok || QHostAddress(host).isNull())
             return wrong;
         options.host = host;
+        return {};
+    }
+
+    QString readStreamPort()
+    {
+        if (!has("stream-port"))
+            return {};
+        bool ok = false;
+        options.streamPort = value("stream-port").toUShort(&ok);
+        if (!ok) {
+            return QStringLiteral("--stream-port %1: expects a whole number from 0 to 65535")
+                .arg(value("stream-port"));
+        }
+        if (*options.streamPort != 0 && *options.streamPort == options.port) {
+            return QStringLiteral("--stream-port %1: is the port for clients already, give another one")
+                .arg(value("stream-port"));
+        }
         return {};
     }
 

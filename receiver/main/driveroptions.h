@@ -15,6 +15,10 @@ struct DriverOptions
     QString host = QStringLiteral("127.0.0.1");  // address to listen on
     quint16 port = Link::defaultPort;            // 0: any free one
 
+    // For streams, on the same host; 0: any free one. Without: the port after `port` where that is
+    // free, else any.
+    std::optional<quint16> streamPort;
+
     quint64 seed = 1;  // of the built-in scene, without a recording
     QString recordingFile;
     RecordingOptions recording;

@@ -7,13 +7,13 @@
 
 #include "link/codec.h"
 #include "link/limits.h"
+#include "receiver/server/sockets.h"
 
 Q_DECLARE_LOGGING_CATEGORY(serverLog)
 
 namespace Receiver {
 namespace {
 
-constexpr int lingerMs = 1000;   // for a goodbye to leave
 constexpr int fullBatch = 4096;  // values; as many as this do not wait for the next turn
 
 }  // namespace
@@ -213,12 +213,8 @@ void Connection::end(const QString& reason)
 {
     if (m_ended)
         return;
-    m_channel.send(Link::Bye{reason});
-    m_channel.close();
-    m_socket->flush();
     leave(reason);
-    m_socket->disconnectFromHost();
-    QTimer::singleShot(lingerMs, m_socket, &QTcpSocket::abort);
+    sayGoodbye(m_socket, m_channel, reason);
     // A peer that was gone already announces nothing further.
     if (m_socket->state() == QAbstractSocket::UnconnectedState)
         deleteLater();

@@ -1,13 +1,12 @@
 #include "receiver/server/server.h"
 
-#include <QHostAddress>
-#include <QHostInfo>
 #include <QLoggingCategory>
 #include <QRandomGenerator>
 #include <QTcpSocket>
 #include <algorithm>
 
 #include "receiver/server/connection.h"
+#include "receiver/server/sockets.h"
 
 Q_LOGGING_CATEGORY(serverLog, "receiver.server")
 
@@ -16,13 +15,6 @@ namespace {
 
 // Connections that have not said Hello yet, beyond those that are served.
 constexpr int waitingRoom = 16;
-
-QHostAddress addressOf(const QString& host)
-{
-    if (host.isEmpty() || host == QLatin1String("localhost"))
-        return QHostAddress(QHostAddress::LocalHost);
-    return QHostAddress(host);
-}
 
 }  // namespace
 
@@ -44,20 +36,7 @@ Server::~Server()
 
 bool Server::listen(const QString& host, quint16 port, QString* error)
 {
-    const QHostAddress address = addressOf(host);
-    if (address.isNull()) {
-        *error = QStringLiteral("%1:%2: not an address to listen on; give an IP address or localhost")
-                     .arg(host)
-                     .arg(port);
-        return false;
-    }
-    if (m_listener.listen(address, port))
-        return true;
-    *error = QStringLiteral("%1:%2: cannot listen: %3")
-                 .arg(address.toString())
-                 .arg(port)
-                 .arg(m_listener.errorString());
-    return false;
+    return listenOn(m_listener, host, port, error);
 }
 
 void Server::close(const QString& reason)
