@@ -21,13 +21,14 @@ QVector<int> prominentBins(const ScanFrame& frame, int begin, int end, float pro
     float lowest = levelOf(frame, begin);
     int highest = begin;
     bool rising = true;  // above the last valley by the prominence; before the first bin it is deep
+    bool risen = false;  // such a valley was seen
     for (int bin = begin; bin < end; ++bin) {
         const float level = levelOf(frame, bin);
         if (!rising) {
             if (level < lowest)
                 lowest = level;
             if (level - lowest >= prominence) {
-                rising = true;
+                rising = risen = true;
                 highest = bin;
             }
         } else if (level > levelOf(frame, highest)) {
@@ -39,7 +40,7 @@ QVector<int> prominentBins(const ScanFrame& frame, int begin, int end, float pro
         }
     }
     // The last one may lie so near to the end that it cannot fall.
-    if (rising)
+    if (rising && risen)
         found.append(highest);
     return found;
 }

@@ -33,11 +33,11 @@ void ScanOverlay::paint()
     paintChannel();
     if (m_scene.channel.visible && m_scene.channel.hasThreshold)
         paintThreshold();
-    if (m_scene.cursorVisible)
-        paintCursor();
     paintMarkers();
     if (!m_scene.noticeText.isEmpty())
         paintNotice();
+    if (m_scene.cursorVisible)
+        paintCursor();
 }
 
 QSizeF ScanOverlay::boxSize(const QString& text) const

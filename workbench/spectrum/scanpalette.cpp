@@ -11,16 +11,19 @@ struct Stop
     QRgb color;
 };
 
-// Lightness of the stops rises evenly (measured in CIE L*).
+// Each stop stands where its lightness (CIE L*) belongs on an even rise from the first to the last.
 QVector<Stop> stops(ScanPalette::Kind kind)
 {
     switch (kind) {
         case ScanPalette::Thermal:
-            return {{0, 0xff050410},   {0.2, 0xff2b0a56}, {0.4, 0xff7a1c6d},
-                    {0.6, 0xffc73e4c}, {0.8, 0xfff98e09}, {1, 0xfffcffb8}};
+            return {{0, 0xff050410},    {0.11, 0xff2b0a56}, {0.29, 0xff7a1c6d},
+                    {0.47, 0xffc73e4c}, {0.70, 0xfff98e09}, {1, 0xfffcffb8}};
         case ScanPalette::Ocean:
-            return {
-                {0, 0xff02071f}, {0.25, 0xff153a6b}, {0.5, 0xff2a788e}, {0.75, 0xff5ec962}, {1, 0xfff5f07a}};
+            return {{0, 0xff02071f},
+                    {0.245, 0xff153a6b},
+                    {0.49, 0xff2a788e},
+                    {0.78, 0xff5ec962},
+                    {1, 0xfff5f07a}};
         case ScanPalette::Grey:
             return {{0, 0xff000000}, {1, 0xffffffff}};
     }

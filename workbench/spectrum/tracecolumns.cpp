@@ -33,10 +33,16 @@ float interpolated(const ScanFrame& frame, double position)
     return from * (1 - share) + to * share;
 }
 
-void cleanLevels(const float* levels, int count, float* cleaned)
+// Whether all of them are levels.
+bool cleanLevels(const float* levels, int count, float* cleaned)
 {
-    for (int i = 0; i < count; ++i)
-        cleaned[i] = LevelPower::isLevel(levels[i]) ? levels[i] : farBelow;
+    int empty = 0;
+    for (int i = 0; i < count; ++i) {
+        const bool known = LevelPower::isLevel(levels[i]);
+        cleaned[i] = known ? levels[i] : farBelow;
+        empty += known ? 0 : 1;
+    }
+    return empty == 0;
 }
 
 void powersOf(const float* cleaned, int count, float* powers)
@@ -107,7 +113,7 @@ void TraceColumns::fill(const ScanFrame& frame, const ScanRange& view, int width
     const int count = std::max(0, bins.begin(width) - first);
     m_levels.resize(count);
     m_power.resize(count);
-    cleanLevels(frame.levels.constData() + first, count, m_levels.data());
+    const bool complete = cleanLevels(frame.levels.constData() + first, count, m_levels.data());
     powersOf(m_levels.constData(), count, m_power.data());
     int begin = first;
     for (int x = 0; x < width; ++x) {
@@ -121,10 +127,10 @@ void TraceColumns::fill(const ScanFrame& frame, const ScanRange& view, int width
             const int inside = end - begin;
             const float highest = highestOf(levels, inside);
             const float sum = sumOf(m_power.constData() + (begin - first), inside);
-            const int found = levelsIn(levels, inside);
+            const int found = complete ? inside : levelsIn(levels, inside);
             maximum[x] = highest > farBelow ? highest : LevelPower::none;
             mean[x] = highest > farBelow
-                          ? std::min(highest, LevelPower::level(sum / static_cast<float>(found)))
+                          ? std::min(highest, LevelPower::fastLevel(sum / static_cast<float>(found)))
                           : LevelPower::none;
         }
         begin = end;

@@ -26,14 +26,18 @@ void rowsOf(const float* levels, int count, const ScanMapping& mapping, int* row
     }
 }
 
-// One row of the picture, see TracePicture::compose. Plain selects: vector code.
+// One row of the picture, see TracePicture::compose. Both backgrounds are read always: plain selects
+// become vector code.
 void composeRow(int y, int width, const QRgb* plain, const QRgb* tinted, const int* maximum, const int* top,
-                const int* bottom, TracePicture::Colors colors, QRgb* out)
+                const int* bottom, TracePicture::Colors colors, QRgb* __restrict out)
 {
     for (int x = 0; x < width; ++x) {
-        QRgb color = y < maximum[x] ? plain[x] : colors.maximum;
-        color = y < top[x] ? color : colors.mean;
-        out[x] = y > bottom[x] ? tinted[x] : color;
+        const QRgb above = plain[x];
+        const QRgb below = tinted[x];
+        const int first = maximum[x] < top[x] ? maximum[x] : top[x];
+        QRgb color = y < top[x] ? colors.maximum : colors.mean;
+        color = y > bottom[x] ? below : color;
+        out[x] = y < first ? above : color;
     }
 }
 
@@ -77,8 +81,10 @@ void TracePicture::Extents::fill(const QVector<float>& levels, const ScanMapping
 
 bool TracePicture::prepare(const QSize& size)
 {
-    if (m_image.size() != size)
+    if (m_image.size() != size) {
         m_image = QImage(size, QImage::Format_RGB32);
+        m_plain = m_tinted = 0;
+    }
     return !m_image.isNull();
 }
 
@@ -86,6 +92,7 @@ void TracePicture::compose(const QImage& plain)
 {
     if (prepare(plain.size()))
         copyRows(plain, m_image, 0, plain.height());
+    m_plain = m_tinted = 0;
 }
 
 void TracePicture::compose(const QImage& plain, const QImage& tinted, const TraceColumns& columns,
@@ -106,14 +113,20 @@ void TracePicture::compose(const QImage& plain, const QImage& tinted, const Trac
     }
     first = std::clamp(first, 0, height);
     last = std::clamp(last + 1, first, height);
-    copyRows(plain, m_image, 0, first);
+    // What still stands from the frame before is not copied again.
+    const bool known = m_plain == plain.cacheKey() && m_tinted == tinted.cacheKey();
+    copyRows(plain, m_image, known ? m_first : 0, first);
+    copyRows(tinted, m_image, last, known ? m_behind : height);
     for (int y = first; y < last; ++y) {
         composeRow(y, width, reinterpret_cast<const QRgb*>(plain.constScanLine(y)),
                    reinterpret_cast<const QRgb*>(tinted.constScanLine(y)), m_maximum.constData(),
                    m_line.top.constData(), m_line.bottom.constData(), colors,
                    reinterpret_cast<QRgb*>(m_image.scanLine(y)));
     }
-    copyRows(tinted, m_image, last, height);
+    m_plain = plain.cacheKey();
+    m_tinted = tinted.cacheKey();
+    m_first = first;
+    m_behind = last;
 }
 
 void TracePicture::drawLine(const QVector<float>& levels, const ScanMapping& mapping, QRgb color,
@@ -128,6 +141,10 @@ void TracePicture::drawLine(const QVector<float>& levels, const ScanMapping& map
     QRgb* pixels = reinterpret_cast<QRgb*>(m_image.bits());
     for (int x = 0; x < width; ++x) {
         const int end = std::min(m_line.bottom[x] + 1, height);
+        if (m_line.top[x] < end) {
+            m_first = std::min(m_first, m_line.top[x]);
+            m_behind = std::max(m_behind, end);
+        }
         for (int y = m_line.top[x]; y < end; ++y)
             pixels[y * stride + x] = color;
     }

@@ -46,6 +46,10 @@ private:
     bool prepare(const QSize& size);
 
     QImage m_image;
+    qint64 m_plain = 0;  // of which images rows are known to be copies; 0: of none
+    qint64 m_tinted = 0;
+    int m_first = 0;   // rows above are those of the plain image
+    int m_behind = 0;  // this one and those below are those of the tinted image
     Extents m_line;
     QVector<int> m_maximum;  // row of the highest level in every column
 };

@@ -21,19 +21,21 @@ ScanFrame reduced(const ScanFrame& frame)
     const int count = static_cast<int>(frame.levels.size());
     if (count <= WaterfallHistory::mostLevels)
         return frame;
-    const int group = (count + WaterfallHistory::mostLevels - 1) / WaterfallHistory::mostLevels;
+    // Bins in groups that differ by one at most, so that they fill the frame's width exactly.
+    const qint64 groups = WaterfallHistory::mostLevels;
     ScanFrame result = frame;
-    result.start = frame.start + frame.step * (group - 1) / 2;
-    result.step = frame.step * group;
-    result.levels = QVector<float>((count + group - 1) / group, LevelPower::none);
-    for (int i = 0; i < result.levels.size(); ++i) {
-        const int end = std::min(count, (i + 1) * group);
-        float& highest = result.levels[i];
-        for (int bin = i * group; bin < end; ++bin) {
+    result.step = frame.step * count / groups;
+    result.start = frame.start + (result.step - frame.step) / 2;
+    result.levels = QVector<float>(static_cast<int>(groups), LevelPower::none);
+    for (qint64 i = 0; i < groups; ++i) {
+        const int end = static_cast<int>((i + 1) * count / groups);
+        float highest = LevelPower::none;
+        for (int bin = static_cast<int>(i * count / groups); bin < end; ++bin) {
             const float level = frame.levels[bin];
             if (LevelPower::isLevel(level) && !(level <= highest))
                 highest = level;
         }
+        result.levels[static_cast<int>(i)] = highest;
     }
     return result;
 }
