@@ -81,6 +81,7 @@ private:
     void take()
     {
         m_socket = m_server.nextPendingConnection();
+        m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);  // as a driver does
         ++connections;
         m_sequence = 0;
         m_channel = new Link::Channel(m_socket, m_socket);

@@ -163,4 +163,35 @@ QString Pilot::grab(const Target& target, const QString& file)
     return perform("grab", target, {{"file", file}});
 }
 
+QString Pilot::resize(const Target& target, int width, int height)
+{
+    return perform("resize", target, {{"size", QJsonArray{width, height}}});
+}
+
+QJsonObject Pilot::scan()
+{
+    const QJsonObject facts = ask({{"cmd", "scan"}});
+    return facts["ok"].toBool() ? facts : QJsonObject();
+}
+
+QJsonObject Pilot::peak(double from, double to)
+{
+    return ask({{"cmd", "scan"}, {"from", from}, {"to", to}})["peak"].toObject();
+}
+
+QString Pilot::drag(const QList<QPointF>& points)
+{
+    QJsonArray steps;
+    const auto step = [&steps](const char* what, const QPointF& point) {
+        steps.append(QJsonArray{what, point.x(), point.y()});
+    };
+    step("move", points.first());
+    step("press", points.first());
+    for (const QPointF& point : points.mid(1)) {
+        step("move", point);
+    }
+    step("release", points.last());
+    return perform("mouse", {{"name", "spectrumCanvas"}}, {{"steps", steps}});
+}
+
 }  // namespace RxTest

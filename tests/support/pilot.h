@@ -2,7 +2,9 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QList>
 #include <QLocalSocket>
+#include <QPointF>
 #include <QString>
 
 namespace RxTest {
@@ -45,6 +47,13 @@ public:
     QString close(const Target& target);
     QString show(const Target& target, const QString& how);
     QString grab(const Target& target, const QString& file);
+    QString resize(const Target& target, int width, int height);
+
+    // --- the live scan; see pilotscan.h ---
+    QJsonObject scan();                        // empty when there is none
+    QJsonObject peak(double from, double to);  // "frequency" Hz, "level" dBµV; of the picture's trace
+    // Presses at the first point, moves over the others and releases at the last.
+    QString drag(const QList<QPointF>& points);
 
 private:
     QString perform(const char* command, const Target& target, const QJsonObject& more = {});

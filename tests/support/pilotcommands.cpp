@@ -17,6 +17,7 @@
 #include <QWidget>
 #include <functional>
 
+#include "pilotscan.h"
 #include "valuecontrols/operatorjournal.h"
 #include "valueframework/tree.h"
 #include "valueframework/valuebase.h"
@@ -300,6 +301,36 @@ QJsonObject wheel(const QJsonObject& command)
     });
 }
 
+// "steps": ["press"|"move"|"release", x, y] each, in the widget's pixels, with the left button.
+QJsonObject mouse(const QJsonObject& command)
+{
+    const QPointer<QWidget> widget(chosenOne(command));
+    const QString why = obstacle(widget);
+    if (!why.isEmpty()) {
+        return refusal(why);
+    }
+    const QJsonArray steps = command["steps"].toArray();
+    return later([widget, steps] {
+        Qt::MouseButtons held;
+        for (const QJsonValue& entry : steps) {
+            if (!widget) {
+                return;
+            }
+            const QJsonArray step = entry.toArray();
+            const QString what = step.at(0).toString();
+            const QPointF local(step.at(1).toDouble(), step.at(2).toDouble());
+            const QEvent::Type type = what == "press"     ? QEvent::MouseButtonPress
+                                      : what == "release" ? QEvent::MouseButtonRelease
+                                                          : QEvent::MouseMove;
+            held.setFlag(Qt::LeftButton, what == "press" || (what != "release" && held));
+            QMouseEvent event(type, local, widget->mapToGlobal(local),
+                              type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(widget, &event);
+        }
+    });
+}
+
 QJsonObject choose(const QJsonObject& command)
 {
     const QPointer<QComboBox> list(qobject_cast<QComboBox*>(chosenOne(command)));
@@ -380,7 +411,7 @@ QJsonObject close(const QJsonObject& command)
     });
 }
 
-// "how": hidden, shown, minimized
+// "how": hidden, shown, minimized; of the widget's window
 QJsonObject show(const QJsonObject& command)
 {
     QWidget* widget = chosenOne(command);
@@ -398,6 +429,18 @@ QJsonObject show(const QJsonObject& command)
     return {{"ok", true}};
 }
 
+// "size": [width, height], of the widget's window
+QJsonObject resize(const QJsonObject& command)
+{
+    QWidget* widget = chosenOne(command);
+    if (widget == nullptr) {
+        return refusal("there is no such widget");
+    }
+    const QJsonArray size = command["size"].toArray();
+    widget->window()->resize(size.at(0).toInt(), size.at(1).toInt());
+    return {{"ok", true}};
+}
+
 QJsonObject ping(const QJsonObject&)
 {
     return {{"ok", true}, {"pid", QCoreApplication::applicationPid()}};
@@ -410,9 +453,24 @@ struct Command
 };
 
 const Command commands[] = {
-    {"ping", ping},   {"windows", windows}, {"find", find},   {"click", click},   {"press", press},
-    {"focus", focus}, {"type", type},       {"wheel", wheel}, {"choose", choose}, {"value", value},
-    {"write", write}, {"grab", grab},       {"close", close}, {"show", show},
+    {"ping", ping},
+    {"windows", windows},
+    {"find", find},
+    {"click", click},
+    {"press", press},
+    {"focus", focus},
+    {"type", type},
+    {"wheel", wheel},
+    {"choose", choose},
+    {"value", value},
+    {"write", write},
+    {"grab", grab},
+    {"close", close},
+    {"show", show},
+    {"mouse", mouse},
+    {"resize", resize},
+    {"scan", PilotScan::facts},
+    {"paintages", PilotScan::paintAges},
 };
 
 }  // namespace
