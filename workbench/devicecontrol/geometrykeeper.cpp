@@ -5,7 +5,9 @@
 #include <QEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QLayout>
 #include <QLoggingCategory>
+#include <QMainWindow>
 #include <QScreen>
 #include <QSettings>
 #include <QWidget>
@@ -113,13 +115,22 @@ bool GeometryKeeper::IsUsable(const QWidget* widget, const QRect& normal) const
     return false;
 }
 
-// The toolkit opens a window at two thirds of the screen at most, even where its contents need more.
+// The toolkit opens a window at two thirds of the screen at most, even where its contents need more;
+// and a main window does not ask its centre how high it is at a width, as panels that flow into rows
+// are.
 void GeometryKeeper::MakeRoom(QWidget* widget)
 {
     const QScreen* const screen = widget->screen();
     if (!screen)
         return;
-    const QSize needed = widget->size().expandedTo(widget->minimumSizeHint());
+    QSize needed = widget->size().expandedTo(widget->minimumSizeHint());
+    const QMainWindow* const window = qobject_cast<QMainWindow*>(widget);
+    const QWidget* const centre = window ? window->centralWidget() : nullptr;
+    if (centre && centre->layout() && centre->layout()->hasHeightForWidth()) {
+        const int around = widget->height() - centre->height();
+        const int height = centre->layout()->totalMinimumHeightForWidth(needed.width());
+        needed = needed.expandedTo(QSize(0, height + around));
+    }
     widget->resize(needed.boundedTo(screen->availableSize()).expandedTo(widget->size()));
 }
 
