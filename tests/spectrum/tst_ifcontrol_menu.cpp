@@ -2,10 +2,13 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QSettings>
+#include <QSplitter>
 #include <QTableWidget>
 #include <QTemporaryDir>
 
 #include "spectrum/scantext.h"
+#include "spectrum/spectrumhost.h"
 #include "tests/spectrum/scanbench.h"
 
 namespace {
@@ -57,6 +60,8 @@ private slots:
     void aPictureThatCannotBeSavedIsSaidAndTheFormerStays();
     void theDialogOffersAName();
     void withoutATraceNothingOfItIsOffered();
+    void looksAreKeptBetweenRunsBesideWhatElseIsInTheFile();
+    void senselessLooksInTheFileAreAsAtTheFirstStart();
 };
 
 void TestIfControlMenu::holdsKeepTheHighestAndTheLowest()
@@ -264,6 +269,54 @@ void TestIfControlMenu::withoutATraceNothingOfItIsOffered()
     for (const char* name : {"copyTrace", "peakTable", "fitLevels"})
         QVERIFY2(!actionOf(bench, name)->isEnabled(), name);
     QCOMPARE(bench.parts().traceAsCsv(), QString());
+}
+
+void TestIfControlMenu::looksAreKeptBetweenRunsBesideWhatElseIsInTheFile()
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("looks.ini"));
+    {
+        QSettings other(file, QSettings::IniFormat);
+        other.setValue(QStringLiteral("Window/size"), 7);
+    }
+    SpectrumHost::SetSettingsFile(file);
+    {
+        ScanBench bench;
+        bench.run();
+        QVERIFY(choose(bench, "palette1"));
+        QVERIFY(choose(bench, "average4"));
+        bench.parts().splitter->setSizes({300, 100});
+    }
+    {
+        ScanBench bench;
+        bench.run();
+        QCOMPARE(bench.parts().palette(), ScanPalette::Ocean);
+        QCOMPARE(bench.parts().averaging(), 4);
+        QVERIFY(bench.spectrum().height() > 2.5 * bench.waterfall().height());
+    }
+    SpectrumHost::SetSettingsFile(QString());
+    QCOMPARE(QSettings(file, QSettings::IniFormat).value(QStringLiteral("Window/size")).toInt(), 7);
+    ScanBench bench;
+    QCOMPARE(bench.parts().palette(), ScanPalette::Thermal);
+}
+
+void TestIfControlMenu::senselessLooksInTheFileAreAsAtTheFirstStart()
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("looks.ini"));
+    {
+        QSettings bad(file, QSettings::IniFormat);
+        bad.setValue(QStringLiteral("Scan-IFCONTROL/Palette"), 99);
+        bad.setValue(QStringLiteral("Scan-IFCONTROL/Averaging"), QStringLiteral("many"));
+        bad.setValue(QStringLiteral("Scan-IFCONTROL/Splitter"), QStringLiteral("no state"));
+    }
+    SpectrumHost::SetSettingsFile(file);
+    ScanBench bench;
+    bench.run();
+    SpectrumHost::SetSettingsFile(QString());
+    QCOMPARE(bench.parts().palette(), ScanPalette::Thermal);
+    QCOMPARE(bench.parts().averaging(), 0);
+    QVERIFY(bench.waterfall().height() >= 60);
 }
 
 QTEST_MAIN(TestIfControlMenu)

@@ -6,6 +6,30 @@
 #include "spectrum/scanstate.h"
 #include "spectrum/scanstatusline.h"
 #include "tests/spectrum/scanbench.h"
+#include "valueframework/ivtclient.h"
+
+namespace {
+
+// The tree's connection to a driver, as far as the pane asks it.
+class Client : public IVtClient
+{
+public:
+    Client() { ValueHost::SetClient(QStringLiteral("VTConnectToDRV"), this); }
+    ~Client() override { ValueHost::SetClient(QStringLiteral("VTConnectToDRV"), nullptr); }
+    void AddObserver(IObserver*) override {}
+    void DeleteObserver(IObserver*) override {}
+    QString GetServerAddress() override { return address; }
+    void Flush() override {}
+    void HookValues(const QByteArray&, const QByteArray&) override {}
+    void ReleaseValues(const QByteArray&) override {}
+    bool IsNodeServed(Node*) override { return true; }
+    bool HasServedValues() override { return true; }
+    bool IsConnected() override { return true; }
+
+    QString address;
+};
+
+}  // namespace
 
 class TestIfControlStates : public QObject
 {
@@ -18,6 +42,7 @@ private slots:
     void anAddressThatDoesNotAnswerIsSaid();
     void aRefusalOfTheDriverIsSaid();
     void aLossGreysTheOldTraceWithItsAgeAndItComesBackByItself();
+    void aDriverThatCameBackElsewhereIsFoundThroughTheClient();
     void aLiveStreamWithoutNewFramesGrowsStale();
     void aDroppedFrameIsSaidAndTheFormerTraceStays();
     void oldAgesAreToldInLargerUnits();
@@ -104,6 +129,21 @@ void TestIfControlStates::aLossGreysTheOldTraceWithItsAgeAndItComesBackByItself(
     bench.feed(panorama());
     QVERIFY(!bench.scene().stale);
     QCOMPARE(bench.scene().message, QString());
+}
+
+void TestIfControlStates::aDriverThatCameBackElsewhereIsFoundThroughTheClient()
+{
+    Client client;
+    ScanBench bench;
+    client.address = bench.server.address();
+    bench.run();
+    bench.server.close();
+    QTRY_VERIFY_WITH_TIMEOUT(bench.scene().stale, ScanBench::waitMs);
+    StreamServer elsewhere;
+    client.address = elsewhere.address();
+    QTRY_VERIFY_WITH_TIMEOUT(!elsewhere.requests.isEmpty(), ScanBench::waitMs);
+    elsewhere.sendFrame(panorama());
+    QTRY_VERIFY_WITH_TIMEOUT(!bench.scene().stale, ScanBench::waitMs);
 }
 
 void TestIfControlStates::aLiveStreamWithoutNewFramesGrowsStale()

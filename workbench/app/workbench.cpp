@@ -15,6 +15,7 @@
 #include "guibase/guibasehost.h"
 #include "link/vtclient.h"
 #include "receivercommon/receivercommonhost.h"
+#include "spectrum/spectrumhost.h"
 #include "startup/cfgcenter.h"
 #include "startup/kestapplication.h"
 #include "startup/startuphost.h"
@@ -168,7 +169,9 @@ bool Workbench::openRecords()
                  .arg(journal, reason));
         return false;
     }
-    DeviceControlHost::SetGeometryFile(stateFile("GeometryFile", m_name + "-windows.ini"));
+    const QString looks = stateFile("GeometryFile", m_name + "-windows.ini");
+    DeviceControlHost::SetGeometryFile(looks);
+    SpectrumHost::SetSettingsFile(looks);
     return true;
 }
 

@@ -71,6 +71,7 @@ VCScanWidgetPrivate::VCScanWidgetPrivate(VCScanWidget* scan, const char* name)
 
 VCScanWidgetPrivate::~VCScanWidgetPrivate()
 {
+    keepSettings();
     stream.disconnect(this);
     pacer.stop();
 }
@@ -86,7 +87,40 @@ void VCScanWidgetPrivate::configure(const ScanOptions& wanted)
     levelAxis->setLabels(options.axes);
     widget->setFocusPolicy(options.keyboard ? Qt::StrongFocus : Qt::NoFocus);
     widget->setToolTip(options.keyboard ? ScanMenu::keyboardHelp() : QString());
+    restoreSettings();
     changed();
+}
+
+ScanSettings VCScanWidgetPrivate::currentSettings() const
+{
+    ScanSettings settings;
+    settings.palette = m_palette;
+    settings.averaging = m_averaging;
+    settings.splitter = splitter->saveState();
+    return settings;
+}
+
+void VCScanWidgetPrivate::restoreSettings()
+{
+    const ScanSettings kept = ScanSettings::read(options.settings);
+    setPalette(kept.palette);
+    setAveraging(kept.averaging);
+    if (!kept.splitter.isEmpty())
+        splitter->restoreState(kept.splitter);
+    // The state may hold more than the places of handles.
+    splitter->setOrientation(Qt::Vertical);
+    splitter->setChildrenCollapsible(false);
+    splitter->setHandleWidth(handlePixels);
+    m_kept = currentSettings();
+}
+
+void VCScanWidgetPrivate::keepSettings()
+{
+    const ScanSettings now = currentSettings();
+    if (now == m_kept)
+        return;
+    now.write(options.settings);
+    m_kept = now;
 }
 
 void VCScanWidgetPrivate::buildLayout()
@@ -170,6 +204,7 @@ void VCScanWidgetPrivate::shown()
 void VCScanWidgetPrivate::hidden()
 {
     m_shown = false;
+    keepSettings();
     m_pointer->cancel();
     levelAxis->cancelDrag();
     stream.stop();

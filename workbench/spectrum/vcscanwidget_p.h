@@ -11,6 +11,7 @@
 #include "spectrum/scanaxes.h"
 #include "spectrum/scancanvas.h"
 #include "spectrum/scanmarkers.h"
+#include "spectrum/scansettings.h"
 #include "spectrum/scanstate.h"
 #include "spectrum/scanstream.h"
 #include "spectrum/scanview.h"
@@ -124,6 +125,9 @@ private:
     void buildLayout();
     void connectParts();
     void applyMargins();
+    ScanSettings currentSettings() const;
+    void restoreSettings();
+    void keepSettings();
     void takeFrame(const ScanFrame& frame);
     void followRequest();
     void show();
@@ -154,6 +158,7 @@ private:
     QElapsedTimer m_lastDrop;
     QElapsedTimer m_spoken;
     bool m_newRows = false;
+    ScanSettings m_kept;  // as they stand in the file
     bool m_shown = false;
     QString m_rangeProblem;
     int m_averaging = 0;
