@@ -10,6 +10,7 @@
 #include <QMainWindow>
 #include <QScreen>
 #include <QSettings>
+#include <QTimer>
 #include <QWidget>
 
 #include "guibase/guibasehost.h"
@@ -68,8 +69,11 @@ bool GeometryKeeper::eventFilter(QObject* object, QEvent* event)
         if (event->type() == QEvent::Show && object == GuiBaseHost::MainWidget()) {
             QWidget* const widget = static_cast<QWidget*>(object);
             MakeRoom(widget);
-            Restore(widget);
+            const bool restored = Restore(widget);
             Follow(widget);
+            // What is inside knows its sizes only once it was laid out for the first time.
+            if (!restored)
+                QTimer::singleShot(0, widget, [this, widget] { MakeRoom(widget); });
         }
         return false;
     }
@@ -134,25 +138,26 @@ void GeometryKeeper::MakeRoom(QWidget* widget)
     widget->resize(needed.boundedTo(screen->availableSize()).expandedTo(widget->size()));
 }
 
-void GeometryKeeper::Restore(QWidget* widget)
+bool GeometryKeeper::Restore(QWidget* widget)
 {
     if (m_FileName.isEmpty() || !QFile::exists(m_FileName))
-        return;
+        return false;
     QSettings settings(m_FileName, QSettings::IniFormat);
     settings.beginGroup(GroupOf(widget));
     const QRect normal = settings.value(QLatin1String(normalKey)).toRect();
     if (settings.status() != QSettings::NoError)
         qCWarning(geometryLog).noquote() << m_FileName << "is damaged; the window takes its own size";
     if (!settings.contains(QLatin1String(normalKey)))
-        return;
+        return false;
     if (!IsUsable(widget, normal)) {
         qCInfo(geometryLog).noquote() << m_FileName << "holds a geometry that fits no screen; it is ignored";
-        return;
+        return false;
     }
     widget->resize(normal.size());
     widget->move(normal.topLeft());
     if (settings.value(QLatin1String(maximisedKey)).toBool())
         widget->setWindowState(widget->windowState() | Qt::WindowMaximized);
+    return true;
 }
 
 void GeometryKeeper::Store()

@@ -36,7 +36,7 @@ private:
     void Follow(QWidget* widget);
     void Remember(QWidget* widget);
     void MakeRoom(QWidget* widget);
-    void Restore(QWidget* widget);
+    bool Restore(QWidget* widget);
     bool IsUsable(const QWidget* widget, const QRect& normal) const;
 
     QString m_FileName;
