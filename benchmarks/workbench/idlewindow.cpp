@@ -83,7 +83,8 @@ int main(int argc, char** argv)
     if (window == nullptr) {
         return fail("the window does not come up: " + station.finish());
     }
-    // A channel that stands still would measure nothing.
+    // An emitter whose level moves: a bar that stands still would measure nothing.
+    station.ctl({"set", "/RX1/DDC/DDC1/Frequency", "96.4M"});
     const QString first = window->pilot.valueText(levelPath);
     if (!until([&] { return window->pilot.valueText(levelPath) != first; })) {
         return fail("the level does not move");

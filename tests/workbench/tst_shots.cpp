@@ -91,6 +91,8 @@ void ShotsTest::leavesOutWhatMovesIntoAnotherWindow()
     window.setCentralWidget(frame);
     window.show();
     QTRY_COMPARE(picturesIn(folder), QStringList{"01-outer.png"});
+    window.hide();
+    QCOMPARE(picturesIn(folder), QStringList{"01-outer.png"});
 }
 
 void ShotsTest::leavesMenusOut()

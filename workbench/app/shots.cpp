@@ -75,7 +75,7 @@ bool Shots::eventFilter(QObject* watched, QEvent* event)
         return false;
     }
     const auto seen = m_seen.find(widget);
-    if (seen == m_seen.end()) {
+    if (seen == m_seen.end() || !isPictured(widget)) {
         return false;
     }
     if (event->type() == QEvent::Paint) {
