@@ -64,9 +64,10 @@ struct Panorama::Private
         rate = sampleRate / factor;
         kernel = std::make_unique<SpectrumKernel>(settings.points, settings.window);
         const double points = settings.points;
-        const int half = static_cast<int>(std::floor(span / 2 * points / rate * (1 + 1e-9)));
-        firstBin = std::max(0, settings.points / 2 - half);
-        bins = std::min(settings.points - firstBin, 2 * half + 1);
+        // The bins that lie within the span, without those on its edges: as many on either side.
+        const int half = static_cast<int>(std::floor(span / 2 * points / rate * (1 - 1e-9)));
+        firstBin = settings.points / 2 - half;
+        bins = 2 * half + 1;
         perFrame = rate / settings.frameRate;
         hop = std::min(rate <= overlapRate ? points / 2 : points, perFrame);
         restart();

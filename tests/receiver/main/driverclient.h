@@ -37,6 +37,8 @@ public:
     void watch(const QString& path) { m_watched.insert(path); }
     const QVector<Link::Update>& heard(const QString& path) { return m_heard[path]; }
 
+    quint16 streamPort() const { return m_session.welcome().streamPort; }
+
     void leave();  // flushes and disconnects
 
 private:

@@ -28,6 +28,8 @@ ParsedOptions parse(const QStringList& arguments)
 QString summary(const DriverOptions& options)
 {
     QStringList words = {options.host, QString::number(options.port)};
+    if (options.streamPort)
+        words << QString("streams=%1").arg(*options.streamPort);
     if (options.recordingFile.isEmpty())
         words << QString("scene=%1").arg(options.seed);
     else
@@ -66,6 +68,9 @@ void TestDriverOptions::acceptedOptions_data()
     row("localhost", {"--listen", "localhost:4601"}, "127.0.0.1 4601 scene=1 /RX1 RX1 4");
     row("all interfaces", {"--listen=0.0.0.0:65535"}, "0.0.0.0 65535 scene=1 /RX1 RX1 4");
     row("IPv6", {"--listen", "[::1]:5"}, "::1 5 scene=1 /RX1 RX1 4");
+    row("port for streams", {"--stream-port", "4700"}, "127.0.0.1 4600 streams=4700 scene=1 /RX1 RX1 4");
+    row("free port for streams", {"--listen", "127.0.0.1:0", "--stream-port", "0"},
+        "127.0.0.1 0 streams=0 scene=1 /RX1 RX1 4");
     row("seed", {"--scene", "18446744073709551615"}, "127.0.0.1 4600 scene=18446744073709551615 /RX1 RX1 4");
     row("recording", {"--iq", "a b.wav"}, "127.0.0.1 4600 iq=a b.wav /RX1 RX1 4");
     row("raw recording", {"--iq", "x", "--rate", "2.4M", "--center", "77.5k", "--format", "s16"},
@@ -106,6 +111,11 @@ void TestDriverOptions::refusedOptionsAreOneLineThatNamesThem_data()
     row("host that is no address", {"--listen", "example:1"}, "example:1");
     row("IPv6 without brackets", {"--listen", "::1:4600"}, "--listen");
     row("empty listen", {"--listen", ""}, "--listen");
+    row("huge port for streams", {"--stream-port", "65536"}, "--stream-port 65536");
+    row("negative port for streams", {"--stream-port", "-1"}, "--stream-port -1");
+    row("empty port for streams", {"--stream-port", ""}, "--stream-port");
+    row("port for streams that is the other", {"--listen", "127.0.0.1:5000", "--stream-port", "5000"},
+        "--stream-port 5000");
     row("seed that is no number", {"--scene", "north"}, "--scene north");
     row("negative seed", {"--scene", "-1"}, "--scene");
     row("scene and recording", {"--scene", "1", "--iq", "x"}, "--scene and --iq");
