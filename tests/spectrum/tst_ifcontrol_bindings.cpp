@@ -1,7 +1,5 @@
 // What each bound value moves in the picture.
 
-#include <QSignalSpy>
-
 #include "spectrum/demodulationcolors.h"
 #include "spectrum/levelaxiswidget.h"
 #include "spectrum/scanstatusline.h"

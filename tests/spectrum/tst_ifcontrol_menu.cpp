@@ -50,6 +50,7 @@ private slots:
     void averagingSettlesOnTheMeanPower();
     void theChoiceMadeIsTicked();
     void thePeakTableListsTheStrongestAndMovesTheCursor();
+    void aScanThatEndsTakesItsMenuAndPeakTableAlong();
     void thePaletteChangesTheWaterfall();
     void markersCanBeSetAndRemovedFromTheMenu();
     void fittingTheLevelsWritesARangeAroundTheTrace();
@@ -140,6 +141,21 @@ void TestIfControlMenu::thePeakTableListsTheStrongestAndMovesTheCursor()
     emit table->cellClicked(0, 0);
     QTRY_VERIFY(bench.scene().cursorVisible);
     QVERIFY(std::fabs(bench.scene().cursorFrequency - 98.7005e6) < 1000);
+}
+
+void TestIfControlMenu::aScanThatEndsTakesItsMenuAndPeakTableAlong()
+{
+    QPointer<QTableWidget> table;
+    QPointer<QMenu> menu;
+    {
+        ScanBench bench;
+        bench.run();
+        QVERIFY(choose(bench, "peakTable"));
+        table = bench.control->findChild<QTableWidget*>();
+        menu = openMenu(bench);
+        QVERIFY(table && menu);
+    }
+    QVERIFY(!table && !menu);
 }
 
 void TestIfControlMenu::thePaletteChangesTheWaterfall()

@@ -1,6 +1,6 @@
 // What the pane says when there is nothing new to see, and how often it paints.
 
-#include <QSignalSpy>
+#include <QRegularExpression>
 #include <limits>
 
 #include "spectrum/scanstate.h"
@@ -118,8 +118,9 @@ void TestIfControlStates::aLossGreysTheOldTraceWithItsAgeAndItComesBackByItself(
     bench.server.close();
     QTRY_VERIFY_WITH_TIMEOUT(bench.scene().stale, ScanBench::waitMs);
     QVERIFY(bench.scene().trace);
-    QTRY_VERIFY_WITH_TIMEOUT(bench.scene().message.contains(QStringLiteral("No spectrum for 2 s")),
-                             ScanBench::waitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        bench.scene().message.contains(QRegularExpression(QStringLiteral("^No spectrum for [0-9]+ s: "))),
+        ScanBench::waitMs);
     bench.settle();
     bench.keepPicture(QStringLiteral("ifcontrol-stale"));
     QVERIFY(bench.server.listen(port));
@@ -150,8 +151,9 @@ void TestIfControlStates::aLiveStreamWithoutNewFramesGrowsStale()
 {
     ScanBench bench;
     bench.run();
-    QTRY_VERIFY_WITH_TIMEOUT(bench.scene().message.startsWith(QStringLiteral("No new spectrum for 2 s")),
-                             ScanBench::waitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        bench.scene().message.contains(QRegularExpression(QStringLiteral("^No new spectrum for [0-9]+ s"))),
+        ScanBench::waitMs);
     QVERIFY(bench.scene().stale);
 }
 

@@ -1,13 +1,11 @@
 // The pane's end of the spectrum stream, against a server that speaks its messages.
 
-#include <QSignalSpy>
+#include <QTest>
 #include <limits>
 
 #include "link/limits.h"
 #include "spectrum/scanstream.h"
 #include "tests/spectrum/streamserver.h"
-
-#include <QTest>
 
 namespace {
 

@@ -39,6 +39,7 @@ ScanMenu::ScanMenu(VCScanWidgetPrivate& scan) : m_scan(scan) {}
 ScanMenu::~ScanMenu()
 {
     delete m_menu;
+    delete m_peaks;
 }
 
 QString ScanMenu::keyboardHelp()

@@ -13,9 +13,11 @@ constexpr unsigned onlyTrace = 0;
 
 }
 
-VCScanWidget::VCScanWidget(QWidget* parent, const char* name)
-    : QWidget(parent), d(new VCScanWidgetPrivate(this, name))
-{}
+// Parts that are made send events while there is no private part yet.
+VCScanWidget::VCScanWidget(QWidget* parent, const char* name) : QWidget(parent), d(nullptr)
+{
+    d = new VCScanWidgetPrivate(this, name);
+}
 
 VCScanWidget::~VCScanWidget()
 {
