@@ -40,7 +40,7 @@ std::vector<ScanFrame> framesOf(int bins)
     std::mt19937 random(7);
     for (int i = 0; i < framesInTurn; ++i) {
         ScanFrame frame;
-        frame.sequence = static_cast<quint64>(i + 1);
+        frame.sequence = static_cast<quint64>(i) + 1;
         frame.step = view.width() / bins;
         frame.start = view.start + frame.step / 2;
         frame.resolutionBandwidth = frame.step * 1.5;

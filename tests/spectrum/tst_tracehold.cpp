@@ -131,7 +131,7 @@ void TestTraceHold::meansPowerAndNotDecibels()
     TraceHold hold;
     hold.setAveraging(1000);
     for (int i = 0; i < 4000; ++i)
-        hold.add(frameOf({i % 2 == 0 ? 0.0f : 30.0f}, i * 1000));
+        hold.add(frameOf({i % 2 == 0 ? 0.0f : 30.0f}, qint64(i) * 1000));
     QVERIFY(isNear(hold.live()->levels[0], 10 * std::log10((1 + 1000) / 2.0), 0.3));
 }
 

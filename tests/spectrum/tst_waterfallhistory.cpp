@@ -219,7 +219,7 @@ void TestWaterfallHistory::staysWithinItsMemory()
         bytes += history.row(i)->levels.size() * 4;
     QCOMPARE(history.bytes(), bytes);
     history.setRows(10);
-    QVERIFY(history.bytes() <= 10 * 8192 * 4);
+    QVERIFY(history.bytes() <= qint64(10) * 8192 * 4);
     history.clear();
     QCOMPARE(history.bytes(), 0);
 }

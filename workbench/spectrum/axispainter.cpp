@@ -69,7 +69,7 @@ AxisTicks AxisPainter::frequencyTicks(const ScanRange& view, int width, const QF
     const double shortest = metrics.horizontalAdvance(QStringLiteral("0.0")) + leastSpacing;
     // Finer steps have longer labels: from many to few until they have room.
     for (int wanted = std::max(1, static_cast<int>(width / shortest)); wanted >= 1; --wanted) {
-        const AxisTicks ticks = AxisTicks::between(view.start, view.stop, wanted, unit, true);
+        AxisTicks ticks = AxisTicks::between(view.start, view.stop, wanted, unit, true);
         if (labelDistance(ticks, view.width(), width) >= widestLabel(ticks, metrics) + leastSpacing)
             return ticks;
     }

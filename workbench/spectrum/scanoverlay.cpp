@@ -57,6 +57,23 @@ QRectF ScanOverlay::paintText(QPointF topLeft, const QString& text, const QColor
     m_painter.setPen(color);
     m_painter.drawText(
         QPointF(box.left() + m_device.length(margin), box.top() + std::round(metrics.ascent())), text);
+    m_taken.append(box);
+    return box;
+}
+
+// Moved up or down until it lies on no other text; each step may meet another one.
+QRectF ScanOverlay::movedClear(QRectF box, bool up) const
+{
+    for (int steps = 0; steps < m_taken.size(); ++steps) {
+        for (const QRectF& other : m_taken) {
+            if (!box.intersects(other))
+                continue;
+            if (up)
+                box.moveBottom(other.top() - 1);
+            else
+                box.moveTop(other.bottom() + 1);
+        }
+    }
     return box;
 }
 
@@ -171,12 +188,11 @@ void ScanOverlay::paintThreshold()
 
 void ScanOverlay::paintMarkers()
 {
-    QVector<QRectF> taken;
     for (int i = 0; i < m_scene.markers.size(); ++i)
-        paintMarker(m_scene.markers[i], i == m_scene.selectedMarker, taken);
+        paintMarker(m_scene.markers[i], i == m_scene.selectedMarker);
 }
 
-void ScanOverlay::paintMarker(const ScanMarker& marker, bool selected, QVector<QRectF>& taken)
+void ScanOverlay::paintMarker(const ScanMarker& marker, bool selected)
 {
     const double x = m_mapping.x(marker.frequency);
     if (!(x >= m_area.left() && x <= m_area.right() + 1))
@@ -193,15 +209,8 @@ void ScanOverlay::paintMarker(const ScanMarker& marker, bool selected, QVector<Q
     if (marker.text.isEmpty())
         return;
     const QSizeF size = boxSize(marker.text);
-    QRectF box(QPointF(x - size.width() / 2, y - arrowRoom - size.height()), size);
-    // Above those that stand here already; each step up may meet another one.
-    for (int steps = 0; steps < taken.size(); ++steps) {
-        for (const QRectF& other : taken) {
-            if (box.intersects(other))
-                box.moveBottom(other.top() - 1);
-        }
-    }
-    taken.append(paintText(box.topLeft(), marker.text, color));
+    const QRectF box(QPointF(x - size.width() / 2, y - arrowRoom - size.height()), size);
+    paintText(movedClear(box, true).topLeft(), marker.text, color);
 }
 
 void ScanOverlay::paintCursor()
@@ -222,8 +231,9 @@ void ScanOverlay::paintCursor()
     const double space = m_device.length(4);
     const bool right = x + space + size.width() <= m_area.right() + 1;
     // The first line belongs to the channel.
-    paintText({right ? x + space : x - space - size.width(), m_area.top() + size.height() * 1.1},
-              m_scene.cursorText, m_theme.text);
+    const QRectF box({right ? x + space : x - space - size.width(), m_area.top() + size.height() * 1.1},
+                     size);
+    paintText(movedClear(box, false).topLeft(), m_scene.cursorText, m_theme.text);
 }
 
 void ScanOverlay::paintNotice()

@@ -30,12 +30,13 @@ private:
     void paintChannel();
     void paintThreshold();
     void paintMarkers();
-    void paintMarker(const ScanMarker& marker, bool selected, QVector<QRectF>& taken);
+    void paintMarker(const ScanMarker& marker, bool selected);
     void paintCursor();
     void paintNotice();
 
     // A text with its box, moved inwards where it would leave the picture. Gives the box.
     QRectF paintText(QPointF topLeft, const QString& text, const QColor& color);
+    QRectF movedClear(QRectF box, bool up) const;
     QSizeF boxSize(const QString& text) const;
     void verticalLine(double frequency, const QColor& color, int width, bool dashed = false);
     void horizontalLine(double y, const QColor& color, int width, bool dashed = false);
@@ -47,4 +48,5 @@ private:
     const ScanMapping& m_mapping;
     const ScanTheme& m_theme;
     QRect m_area;
+    QVector<QRectF> m_taken;  // by texts
 };

@@ -19,7 +19,7 @@ public:
     // A row keeps at most so many levels; wider ones are reduced by their highest.
     static constexpr int mostLevels = 8192;
     // All rows together keep at most so many bytes of levels; the oldest go first.
-    static constexpr qint64 mostBytes = 32 * 1024 * 1024;
+    static constexpr qint64 mostBytes = qint64(32) * 1024 * 1024;
 
     // `rows` is the number of rows kept, at least 1 and at most 8192.
     explicit WaterfallHistory(int rows = 600);
