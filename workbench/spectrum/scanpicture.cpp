@@ -36,6 +36,7 @@ ScanState VCScanWidgetPrivate::currentState() const
     facts.stream = stream.state();
     facts.address = stream.address().text();
     facts.failure = stream.failure();
+    facts.delivered = stream.hasDelivered();
     facts.hasTrace = trace() && m_lastFrame.isValid();
     facts.traceAge = m_lastFrame.isValid() ? double(m_lastFrame.elapsed()) / 1000 : 0;
     facts.dropAge = m_lastDrop.isValid() ? double(m_lastDrop.elapsed()) / 1000 : -1;

@@ -55,7 +55,7 @@ ScanState ScanState::of(const Facts& facts)
     if (!facts.hasTrace) {
         state.stale = true;
         state.message = live && !dropped.isEmpty() ? dropped : whyNothing(facts);
-    } else if (facts.traceAge > (live ? pauseSeconds : reconnectSeconds)) {
+    } else if (facts.traceAge > (live && facts.delivered ? pauseSeconds : reconnectSeconds)) {
         state.stale = true;
         state.message = whyOld(facts);
         if (live && !dropped.isEmpty())

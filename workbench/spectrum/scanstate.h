@@ -13,8 +13,9 @@ struct ScanState
     struct Facts
     {
         ScanStream::State stream = ScanStream::State::Stopped;
-        QString address;  // as the stream tries it
-        QString failure;  // why there is no stream; empty: none is known
+        QString address;         // as the stream tries it
+        QString failure;         // why there is no stream; empty: none is known
+        bool delivered = false;  // a frame came over the connection at hand
         bool hasTrace = false;
         double traceAge = 0;  // seconds since the last frame came
         double dropAge = -1;  // seconds since a frame was dropped; below 0: never

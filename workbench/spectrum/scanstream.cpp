@@ -151,17 +151,29 @@ void ScanStream::handleData(const Link::ScanData& data)
     m_backoffMs = m_options.backoffFirstMs;
     m_failure.clear();
     ++m_received;
+    m_delivered = true;
     emit frameReceived(frame);
 }
 
 void ScanStream::stepOver()
 {
-    if (m_state == State::Waiting)
+    if (m_state == State::Waiting) {
+        followDriver();
         attempt();
-    else if (m_state == State::Connecting)
+    } else if (m_state == State::Connecting) {
         fail(tr("%1 does not answer").arg(m_address.text()), false);
-    else if (m_state == State::Starting)
+    } else if (m_state == State::Starting) {
         fail(tr("%1 is connected, but sends no spectrum").arg(m_address.text()), true);
+    }
+}
+
+// A driver that was started anew may offer its streams at another port. Asked as late as can be: it
+// tells the port only when its values are connected again.
+void ScanStream::followDriver()
+{
+    const ScanAddress elsewhere = ScanAddress::read(m_source ? m_source() : QString());
+    if (elsewhere.isValid())
+        m_address = elsewhere;
 }
 
 // Ends the connection or the attempt. `tellPeer`: it may still listen, so it is told why.
@@ -175,10 +187,6 @@ void ScanStream::fail(const QString& reason, bool tellPeer)
         m_socket->flush();
     }
     dropSocket();
-    // A driver that was started anew may offer its streams at another port.
-    const ScanAddress elsewhere = ScanAddress::read(m_source ? m_source() : QString());
-    if (elsewhere.isValid())
-        m_address = elsewhere;
     m_step.start(m_backoffMs);
     m_backoffMs = qMin(m_backoffMs * 2, m_options.backoffLastMs);
     setState(State::Waiting);
@@ -201,4 +209,5 @@ void ScanStream::dropSocket()
     m_socket = nullptr;
     m_channel = nullptr;
     m_heart = nullptr;
+    m_delivered = false;
 }

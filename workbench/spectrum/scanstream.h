@@ -49,7 +49,7 @@ public:
     // As of ScanAddress. Another address than before connects anew.
     void setAddress(const QString& address);
 
-    // Asked after each failure whether the stream is somewhere else now; an empty answer: not known.
+    // Asked before each further attempt whether the stream is somewhere else now; an empty answer: not known.
     void setAddressSource(std::function<QString()> source) { m_source = std::move(source); }
 
     // Told to the driver at once when it differs.
@@ -64,6 +64,9 @@ public:
 
     // Why there is no stream, for the operator; empty while there is one or nothing failed yet.
     QString failure() const { return m_failure; }
+
+    // Whether a frame came over the connection at hand.
+    bool hasDelivered() const { return m_delivered; }
 
     // Of all connections since the making.
     quint64 received() const { return m_received; }
@@ -86,6 +89,7 @@ private:
     void dropSocket();
     void setState(State state);
     void stepOver();
+    void followDriver();
 
     ScanStreamOptions m_options;
     ScanAddress m_address;
@@ -98,6 +102,7 @@ private:
     Link::Heart* m_heart = nullptr;
     QTimer m_step;  // connection, answer or the pause before the next attempt
     int m_backoffMs = 0;
+    bool m_delivered = false;
     ScanFrameCheck m_check;
     quint64 m_received = 0;
     quint64 m_skipped = 0;
