@@ -158,14 +158,16 @@ Message readStreamMessage(CborIn& in, MessageType type)
 QByteArray packLevels(const float* levels, int count)
 {
     QByteArray bytes(qsizetype(count) * qsizetype(sizeof(float)), Qt::Uninitialized);
-    qToLittleEndian<quint32>(levels, count, bytes.data());
+    if (count > 0)
+        qToLittleEndian<quint32>(levels, count, bytes.data());
     return bytes;
 }
 
 QVector<float> unpackLevels(const QByteArray& bytes)
 {
     QVector<float> levels(bytes.size() / qsizetype(sizeof(float)));
-    qFromLittleEndian<quint32>(bytes.constData(), levels.size(), levels.data());
+    if (!levels.isEmpty())
+        qFromLittleEndian<quint32>(bytes.constData(), levels.size(), levels.data());
     return levels;
 }
 

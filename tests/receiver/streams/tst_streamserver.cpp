@@ -591,8 +591,5 @@ void TestStreamServer::anAddressThatCannotBeListenedOnIsNamed()
     QVERIFY2(error.startsWith(QStringLiteral("%1:%2: ").arg(host).arg(port)), qPrintable(error));
 }
 
-Q_DECLARE_METATYPE(Link::StreamRequest)
-Q_DECLARE_METATYPE(Link::Message)
-
 QTEST_GUILESS_MAIN(TestStreamServer)
 #include "tst_streamserver.moc"
