@@ -132,12 +132,12 @@ void StatusBanner::refresh()
     const bool away = m_lostAt.isValid();
     if (away) {
         const qint64 seconds = m_lostAt.secsTo(QDateTime::currentDateTime());
-        QString what = tr("The driver is away since %1 (%2). Reconnecting to %3")
+        QString what = tr("Driver away since %1 (%2), reconnecting to %3")
                            .arg(m_lostAt.toString("HH:mm:ss"), duration(qMax<qint64>(0, seconds)), m_address);
         if (m_attempt > 0) {
             what += tr(", attempt %1").arg(m_attempt);
         }
-        m_driverLine->setText(what + tr(". What is shown are its last values."));
+        m_driverLine->setText(what);
     }
     m_driverLine->setVisible(away);
     const QStringList errors = m_errors + m_awayErrors;
@@ -156,7 +156,8 @@ void StatusBanner::place()
     const int width = m_mainWidget->width();
     const int height =
         layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
-    setGeometry(0, 0, width, height);
+    // At the lower edge: the controls that an operator looks at first are at the upper one.
+    setGeometry(0, m_mainWidget->height() - height, width, height);
     raise();
 }
 

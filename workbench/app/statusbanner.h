@@ -9,7 +9,7 @@
 class QLabel;
 class QToolButton;
 
-// The strip that lies over the top of the main widget while there is something that the operator
+// The strip that lies over the lower edge of the main widget while there is something that the operator
 // has to know: the driver is away (since when, what is done about it), an error was reported. It
 // takes no place in any layout, so nothing moves when it comes and goes.
 class StatusBanner : public QWidget
