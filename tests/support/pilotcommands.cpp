@@ -411,7 +411,7 @@ QJsonObject close(const QJsonObject& command)
     });
 }
 
-// "how": hidden, shown, minimized; of the widget's window
+// "how": hidden, shown, minimized, of the widget's window; widgetHidden, of the widget alone
 QJsonObject show(const QJsonObject& command)
 {
     QWidget* widget = chosenOne(command);
@@ -419,7 +419,9 @@ QJsonObject show(const QJsonObject& command)
         return refusal("there is no such widget");
     }
     const QString how = command["how"].toString();
-    if (how == "hidden") {
+    if (how == "widgetHidden") {
+        widget->hide();
+    } else if (how == "hidden") {
         widget->window()->hide();
     } else if (how == "minimized") {
         widget->window()->showMinimized();
