@@ -266,6 +266,8 @@ void TestAxisTicks::writesTimesAgesAndDifferences()
     QVERIFY(std::isnan(ScanText::levelAt(frame, 97.3e6)));
     QVERIFY(std::isnan(ScanText::levelAt(frame, std::nan(""))));
     QVERIFY(std::isnan(ScanText::levelAt(ScanFrame(), 98e6)));
+    QVERIFY(std::isnan(ScanText::levelNear(ScanFrame(), 98e6, 1e6)));
+    QVERIFY(std::isnan(ScanText::levelNear(frame, 97.3e6, 1e5)));
 }
 
 void TestAxisTicks::drawsTheThresholdLowerByTheRatioOfBandwidths()

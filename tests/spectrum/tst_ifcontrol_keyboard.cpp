@@ -155,7 +155,13 @@ void TestIfControlKeyboard::markersAreSetMeasuredAndRemoved()
     QCOMPARE(markers[0].frequency, 98.3e6);
     QVERIFY(markers[1].delta);
     QVERIFY2(markers[1].text.contains(QStringLiteral("+400")), qPrintable(markers[1].text));
+    // The carrier's bin lies beside the marker, in the same pixel: its level is what is seen.
+    bench.parts().setCursor(98.7e6 + bench.parts().pixelHertz() * 0.45, std::nan(""));
+    QTest::keyClick(bench.control, Qt::Key_M);
+    bench.settle();
+    QCOMPARE(markers[2].level, 60.0f);
     bench.keepPicture(QStringLiteral("ifcontrol-markers"));
+    QTest::keyClick(bench.control, Qt::Key_Delete);
     QTest::keyClick(bench.control, Qt::Key_Delete);
     QTest::keyClick(bench.control, Qt::Key_Delete);
     QTest::keyClick(bench.control, Qt::Key_Delete);

@@ -49,8 +49,9 @@ QVector<ScanMarker> ScanMarkers::drawn(const ScanFrame* trace, double resolution
     for (int i = 0; i < count(); ++i) {
         ScanMarker marker;
         marker.frequency = m_places[i].frequency;
-        marker.level =
-            trace ? ScanText::levelAt(*trace, marker.frequency) : std::numeric_limits<float>::quiet_NaN();
+        // As it is seen: a carrier between two pixels would be missed by the nearest bin.
+        marker.level = trace ? ScanText::levelNear(*trace, marker.frequency, resolution)
+                             : std::numeric_limits<float>::quiet_NaN();
         marker.delta = m_places[i].delta && i > 0;
         marker.text = QString::number(i + 1);
         if (marker.delta) {

@@ -24,7 +24,8 @@ public:
     int selected() const { return m_selected; }
     double frequency(int index) const { return m_places[index].frequency; }
 
-    // As they are drawn over `trace` (null: none); `resolution` in Hz as of ScanText::frequency().
+    // As they are drawn over `trace` (null: none); `resolution` is what a pixel stands
+    // for in Hz: levels are those that are seen there.
     QVector<ScanMarker> drawn(const ScanFrame* trace, double resolution) const;
 
 private:

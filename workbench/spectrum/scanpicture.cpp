@@ -52,21 +52,6 @@ void VCScanWidgetPrivate::followState()
         changed();
 }
 
-// The highest level among the bins that share the pixel.
-double VCScanWidgetPrivate::levelNear(const ScanFrame& frame, double frequency) const
-{
-    double level = double(ScanText::levelAt(frame, frequency));
-    const double half = pixelHertz() / 2;
-    const double last = double(frame.levels.size()) - 1;
-    const int begin = int(std::ceil(qBound(0.0, (frequency - half - frame.start) / frame.step, last)));
-    const int end = int(std::floor(qBound(0.0, (frequency + half - frame.start) / frame.step, last)));
-    for (int i = begin; i <= end && !std::isnan(level); ++i) {
-        if (double(frame.levels[i]) > level)
-            level = double(frame.levels[i]);
-    }
-    return level;
-}
-
 void VCScanWidgetPrivate::placeCursor(ScanScene& scene) const
 {
     scene.cursorVisible = hasCursor();
@@ -76,7 +61,7 @@ void VCScanWidgetPrivate::placeCursor(ScanScene& scene) const
     scene.cursorLevel = float(m_cursorLevel);
     const bool inRow = cursorTime != 0;
     const double level = inRow     ? double(cursorRowLevel)
-                         : trace() ? levelNear(*trace(), m_cursor)
+                         : trace() ? double(ScanText::levelNear(*trace(), m_cursor, pixelHertz()))
                                    : std::numeric_limits<double>::quiet_NaN();
     scene.cursorText = ScanText::cursor(m_cursor, pixelHertz(), level, inRow ? cursorTime : 0);
 }

@@ -75,6 +75,22 @@ float levelAt(const ScanFrame& frame, double frequency)
     return LevelPower::isLevel(level) ? level : LevelPower::none;
 }
 
+float levelNear(const ScanFrame& frame, double frequency, double width)
+{
+    float level = levelAt(frame, frequency);
+    if (!LevelPower::isLevel(level))
+        return level;
+    const double last = static_cast<double>(frame.levels.size()) - 1;
+    const double half = width / 2;
+    const int begin =
+        static_cast<int>(std::ceil(qBound(0.0, (frequency - half - frame.start) / frame.step, last)));
+    const int end =
+        static_cast<int>(std::floor(qBound(0.0, (frequency + half - frame.start) / frame.step, last)));
+    for (int i = begin; i <= end; ++i)
+        level = qMax(level, LevelPower::isLevel(frame.levels[i]) ? frame.levels[i] : level);
+    return level;
+}
+
 double thresholdLine(double level, double bandwidth, double resolutionBandwidth)
 {
     if (!(bandwidth > 0) || !(resolutionBandwidth > 0))

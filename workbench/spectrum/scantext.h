@@ -27,6 +27,10 @@ QString cursor(double hertz, double resolution, double level, qint64 time = 0);
 // The level of the bin whose middle is nearest to `frequency`; NaN outside of the frame.
 float levelAt(const ScanFrame& frame, double frequency);
 
+// The highest level of it and of the bins whose middles lie within `width` Hz around it: what a
+// picture shows there whose pixels are that wide. NaN where levelAt() is.
+float levelNear(const ScanFrame& frame, double frequency, double width);
+
 // Both levels of a threshold: as it is set in the channel, and where its line is drawn. Noise of
 // `level` in `bandwidth` shows as level - 10 log10(bandwidth / resolutionBandwidth) in the trace.
 double thresholdLine(double level, double bandwidth, double resolutionBandwidth);

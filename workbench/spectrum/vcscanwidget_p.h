@@ -144,7 +144,6 @@ private:
     bool keepFromShortcuts(QKeyEvent* event);
     bool dropNotes();
     ScanState currentState() const;
-    double levelNear(const ScanFrame& frame, double frequency) const;
 
     QWidget* m_waterfallRow = nullptr;
     QWidget* m_waterfallSide = nullptr;
