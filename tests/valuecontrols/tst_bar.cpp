@@ -82,18 +82,18 @@ private slots:
 
     void theNumberIsReadableOverTheFilledAndTheEmptyPart()
     {
-        BarBench bench(50);
+        BarBench bench(95);  // ends at 126, in the middle of the number at the right end
         bench.bar.SetShowTextValueInside(true);
         const QImage picture = bench.Picture();
         const QColor fill = picture.pixelColor(10, 7);
-        const QColor ground = picture.pixelColor(150, 7);
+        const QColor ground = picture.pixelColor(158, 7);
         double onFill = 1;
         double onGround = 1;
         for (int y = 3; y < 12; ++y) {
-            for (int x = 50; x < 110; ++x) {
-                if (x < 80)
+            for (int x = 96; x < 155; ++x) {
+                if (x < 125)
                     onFill = qMax(onFill, ControlLook::Contrast(picture.pixelColor(x, y), fill));
-                else if (x > 82)
+                else if (x > 127)
                     onGround = qMax(onGround, ControlLook::Contrast(picture.pixelColor(x, y), ground));
             }
         }
