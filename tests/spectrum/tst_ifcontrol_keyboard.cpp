@@ -160,6 +160,7 @@ void TestIfControlKeyboard::markersAreSetMeasuredAndRemoved()
     QTest::keyClick(bench.control, Qt::Key_M);
     bench.settle();
     QCOMPARE(markers[2].level, 60.0f);
+    QCOMPARE(bench.scene().cursorLevel, 60.0f);
     bench.keepPicture(QStringLiteral("ifcontrol-markers"));
     QTest::keyClick(bench.control, Qt::Key_Delete);
     QTest::keyClick(bench.control, Qt::Key_Delete);

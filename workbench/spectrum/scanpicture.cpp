@@ -63,6 +63,8 @@ void VCScanWidgetPrivate::placeCursor(ScanScene& scene) const
     const double level = inRow     ? double(cursorRowLevel)
                          : trace() ? double(ScanText::levelNear(*trace(), m_cursor, pixelHertz()))
                                    : std::numeric_limits<double>::quiet_NaN();
+    if (!inRow && std::isnan(m_cursorLevel))
+        scene.cursorLevel = float(level);  // the cross lies where the read-out says
     scene.cursorText = ScanText::cursor(m_cursor, pixelHertz(), level, inRow ? cursorTime : 0);
 }
 
