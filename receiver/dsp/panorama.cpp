@@ -12,7 +12,7 @@ namespace {
 
 constexpr int pointsMinimum = 64;
 constexpr int pointsMaximum = 131072;
-constexpr double transformSeconds = 1.0;  // at most
+constexpr double transformSeconds = 1.0 + 1e-9;  // at most
 
 // Transforms overlap by half, so that no pulse falls between two windows. At rates above this one
 // the price matters more.
@@ -21,6 +21,16 @@ constexpr double overlapRate = 10e6;  // samples/s
 double spanWithin(double sampleRate, double span)
 {
     return span > 0 ? std::min(span, sampleRate) : sampleRate;  // also of what is not a number
+}
+
+// Made of twos, threes and fives.
+bool transformsWell(int points)
+{
+    for (const int prime : {2, 3, 5}) {
+        while (points % prime == 0)
+            points /= prime;
+    }
+    return points == 1;
 }
 
 double within(double value, double minimum, double maximum)
@@ -147,15 +157,11 @@ int Panorama::pointsFor(double sampleRate, double span, int bins)
     const double width = spanWithin(sampleRate, span);
     const double rate = sampleRate / Decimator::factorFor(sampleRate, width);
     const double most = std::min(bins * (rate / width) * (1 + 1e-9), transformSeconds * rate);
-    // 4, 5 or 6 times a power of two: these transform well.
-    int best = pointsMinimum;
-    for (int power = 16; power <= pointsMaximum / 4; power *= 2) {
-        for (const int factor : {4, 5, 6}) {
-            if (factor * power <= std::min(most, static_cast<double>(pointsMaximum)))
-                best = factor * power;
-        }
-    }
-    return best;
+    int points = static_cast<int>(within(most, pointsMinimum, pointsMaximum));
+    points -= points % 2;
+    while (!transformsWell(points))
+        points -= 2;
+    return points;
 }
 
 const PanoramaSettings& Panorama::settings() const
