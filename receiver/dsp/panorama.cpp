@@ -123,7 +123,8 @@ struct Panorama::Private
         ++frame.sequence;
         frame.time = time;
         frame.step = rate / settings.points;
-        frame.start = center + (firstBin - settings.points / 2) * frame.step;
+        const int below = settings.points / 2 - firstBin;  // bins from the first one to the middle
+        frame.start = center - below * frame.step;
         frame.resolutionBandwidth = kernel->noiseBandwidthBins() * frame.step;
         frame.mean.resize(static_cast<std::size_t>(bins));
         frame.maximum.resize(static_cast<std::size_t>(bins));
