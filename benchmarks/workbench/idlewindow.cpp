@@ -41,7 +41,7 @@ int main(int argc, char** argv)
 
     // The live panorama has figures of its own.
     window->pilot.show({{"class", "DdcIfSpectrum"}}, "widgetHidden");
-    tell("idle window, one live channel", window->program, shownBound, "max");
+    tell("idle window, panorama out of sight", window->program, shownBound, "max");
     const Target main{{"class", "DdcGuiMain"}};
     window->pilot.show(main, "minimized");
     tell("the same, minimized", window->program, hiddenBound, "max");
